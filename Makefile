@@ -1,0 +1,55 @@
+# A thin driver over CMake and CTest. `make demo` and `make test` work on a
+# fresh Debian machine: they install what is missing first.
+
+BUILD        ?= build
+BUILD_SAN    ?= build-sanitize
+BUILD_BENCH  ?= build-bench
+BUILD_FUZZ   ?= build-fuzz
+FUZZ_SECONDS ?= 60
+JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
+CMAKE_GEN    := -G Ninja
+
+.PHONY: all deps build demo test bench sanitize fuzz clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+build: deps
+	@cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS)
+
+demo: build
+	$(BUILD)/tools/scoremodel demo
+
+test: build
+	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+bench: deps
+	@cmake -S . -B $(BUILD_BENCH) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSCOREMODEL_BUILD_BENCH=ON \
+	    -DSCOREMODEL_BUILD_TESTS=OFF >/dev/null
+	@cmake --build $(BUILD_BENCH) -j $(JOBS)
+	@for b in $(BUILD_BENCH)/bench/bench_*; do echo "== $$b"; $$b || exit 1; done
+
+sanitize: deps
+	@cmake -S . -B $(BUILD_SAN) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSCOREMODEL_SANITIZE=ON >/dev/null
+	@cmake --build $(BUILD_SAN) -j $(JOBS)
+	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	    ctest --test-dir $(BUILD_SAN) --output-on-failure -j $(JOBS)
+
+fuzz:
+	@scripts/install-deps.sh --fuzz
+	@CXX=clang++ cmake -S . -B $(BUILD_FUZZ) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DCMAKE_CXX_COMPILER=clang++ -DSCOREMODEL_SANITIZE=ON -DSCOREMODEL_FUZZ=ON \
+	    -DSCOREMODEL_BUILD_TESTS=OFF -DSCOREMODEL_BUILD_TOOLS=OFF >/dev/null
+	@cmake --build $(BUILD_FUZZ) -j $(JOBS)
+	@for f in $(BUILD_FUZZ)/fuzz/fuzz_*; do \
+	    name=$${f##*/fuzz_}; work=$(BUILD_FUZZ)/corpus-$$name; mkdir -p $$work; \
+	    echo "== fuzzing $$name for $(FUZZ_SECONDS) s"; \
+	    $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+	        $$work fuzz/corpus/$$name || exit 1; \
+	done
+
+clean:
+	rm -rf $(BUILD) $(BUILD_SAN) $(BUILD_BENCH) $(BUILD_FUZZ)

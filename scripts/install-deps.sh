@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs what the build needs from Debian's packages. Idempotent: when
+# everything is there it only checks and returns at once. Without root (or
+# without apt-get) it names exactly what is missing and fails.
+#
+#   scripts/install-deps.sh          # build, tests, benchmarks
+#   scripts/install-deps.sh --fuzz   # also clang and its sanitizer runtime
+set -euo pipefail
+
+packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
+if [[ "${1:-}" == "--fuzz" ]]; then
+  packages+=(clang libclang-rt-14-dev)
+fi
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [[ ${#missing[@]} -eq 0 ]]; then
+  exit 0
+fi
+
+if [[ $(id -u) -eq 0 ]] && command -v apt-get >/dev/null 2>&1; then
+  echo "install-deps: installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  # A stale package list makes installs fail with 404s; refresh it once.
+  apt-get update -qq || apt-get update
+  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  exit 0
+fi
+
+if command -v sudo >/dev/null 2>&1 && sudo -n true 2>/dev/null; then
+  echo "install-deps: installing ${missing[*]} with sudo"
+  sudo DEBIAN_FRONTEND=noninteractive apt-get update -qq
+  sudo DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  exit 0
+fi
+
+echo "install-deps: missing Debian packages: ${missing[*]}" >&2
+echo "install-deps: run as root: apt-get install ${missing[*]}" >&2
+exit 1
