@@ -1,0 +1,270 @@
+// The platform's string classes: `CString` (wide, wchar_t) and `CStringA`
+// (narrow, char, holding UTF-8).
+//
+// Both are one template, `CStringT<XCHAR>`, over a std::basic_string. They are
+// values: copying is a deep copy, and a string is safe to read from several
+// threads at once but not to change while another thread reads it.
+//
+// Conversion between the widths always goes through UTF-8, whatever the
+// process locale: `CString(const char *)` decodes, `CStringA(const wchar_t *)`
+// encodes. Invalid UTF-8 decodes to U+FFFD; an unpaired surrogate or a value
+// beyond U+10FFFF encodes as U+FFFD. wchar_t is 32 bits here, so a wide
+// string holds code points; a surrogate pair that slips in is joined when
+// encoding.
+//
+// Indexes and counts are `int`, as on the platform. Out-of-range arguments to
+// the substring functions clamp (a negative count is 0, a count past the end
+// is the rest); only character access out of range throws
+// CInvalidArgException.
+//
+//     CString name = CString::FromUtf8(u8"Fl\u00f6te");
+//     name.Format(L"%s %d", (LPCWSTR)name, 2);   // %s is wide in a CString
+//     std::string bytes = name.ToUtf8();
+#pragma once
+
+#include <scoremodel/platform/Exceptions.h>
+#include <scoremodel/platform/Types.h>
+
+#include <compare>
+#include <concepts>
+#include <cstdarg>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+template <typename XCHAR>
+class CStringT
+{
+    static_assert(std::is_same_v<XCHAR, char> || std::is_same_v<XCHAR, wchar_t>,
+                  "CStringT exists for char and wchar_t only");
+
+public:
+    // The character type of the other width.
+    using YCHAR = std::conditional_t<std::is_same_v<XCHAR, char>, wchar_t, char>;
+    using StringType = std::basic_string<XCHAR>;
+    using PXSTR = XCHAR *;
+    using PCXSTR = const XCHAR *;
+    using PCYSTR = const YCHAR *;
+
+    // ---- Construction -----------------------------------------------------
+
+    CStringT() = default;
+    // A null pointer makes an empty string.
+    CStringT(PCXSTR psz) { if (psz) m_str.assign(psz); }
+    // REQUIRES: nLength >= 0 and psz points at nLength characters (may hold NULs).
+    // Throws CInvalidArgException otherwise.
+    CStringT(PCXSTR psz, int nLength);
+    // nRepeat copies of ch; a negative count makes an empty string.
+    CStringT(XCHAR ch, int nRepeat = 1) { if (nRepeat > 0) m_str.assign(static_cast<size_t>(nRepeat), ch); }
+    // From the other width, through UTF-8 (see the header comment).
+    CStringT(PCYSTR psz);
+    CStringT(PCYSTR psz, int nLength);
+    CStringT(const CStringT<YCHAR> &other);
+    explicit CStringT(std::basic_string_view<XCHAR> sv) : m_str(sv) {}
+    CStringT(const CStringT &) = default;
+    CStringT(CStringT &&) noexcept = default;
+    CStringT &operator=(const CStringT &) = default;
+    CStringT &operator=(CStringT &&) noexcept = default;
+    CStringT &operator=(PCXSTR psz) { if (psz) m_str.assign(psz); else m_str.clear(); return *this; }
+    CStringT &operator=(XCHAR ch) { m_str.assign(1, ch); return *this; }
+    CStringT &operator=(PCYSTR psz) { return *this = CStringT(psz); }
+    CStringT &operator=(const CStringT<YCHAR> &other) { return *this = CStringT(other); }
+
+    // UTF-8 of this string. For a CStringA, its bytes unchanged.
+    std::string ToUtf8() const;
+    // A string decoded from UTF-8; nLength < 0 means up to the terminating NUL.
+    // For a CStringA, the bytes unchanged. A null pointer gives an empty string.
+    static CStringT FromUtf8(const char *psz, int nLength = -1);
+
+    // ---- Access -------------------------------------------------------------
+
+    int GetLength() const { return static_cast<int>(m_str.size()); }
+    bool IsEmpty() const { return m_str.empty(); }
+    void Empty() { m_str.clear(); }
+    // Always NUL-terminated; valid until the string changes.
+    PCXSTR GetString() const { return m_str.c_str(); }
+    operator PCXSTR() const { return m_str.c_str(); }
+    const StringType &Str() const { return m_str; }
+    std::basic_string_view<XCHAR> View() const { return m_str; }
+
+    // The character at iChar; iChar == GetLength() reads the terminating NUL.
+    // Throws CInvalidArgException outside 0..GetLength().
+    XCHAR GetAt(int iChar) const;
+    template <std::integral I>
+    XCHAR operator[](I iChar) const
+    {
+        if constexpr (std::is_signed_v<I>)
+            if (iChar < 0)
+                ThrowIndex();
+        if (static_cast<ULONGLONG>(iChar) > m_str.size())
+            ThrowIndex();
+        return m_str[static_cast<size_t>(iChar)];
+    }
+    // REQUIRES 0 <= iChar < GetLength(); throws CInvalidArgException otherwise.
+    void SetAt(int iChar, XCHAR ch);
+
+    void SetString(PCXSTR psz) { *this = psz; }
+    void SetString(PCXSTR psz, int nLength) { *this = CStringT(psz, nLength); }
+    void Append(PCXSTR psz) { if (psz) m_str.append(psz); }
+    void Append(PCXSTR psz, int nLength) { m_str.append(CStringT(psz, nLength).m_str); }
+    void Append(const CStringT &s) { m_str.append(s.m_str); }
+    void AppendChar(XCHAR ch) { m_str.push_back(ch); }
+    // Shortens to nNewLength; a longer or negative length throws CInvalidArgException.
+    void Truncate(int nNewLength);
+
+    // ---- Buffer access ------------------------------------------------------
+    //
+    // GetBuffer(n) returns room for at least n characters (and the current
+    // contents); after writing, ReleaseBuffer(len) sets the length, or with -1
+    // takes the length up to the first NUL. The pointer is invalid after any
+    // other change to the string.
+
+    PXSTR GetBuffer(int nMinBufferLength = 0);
+    PXSTR GetBufferSetLength(int nLength);
+    // nNewLength beyond the buffer is clamped to it.
+    void ReleaseBuffer(int nNewLength = -1);
+    void ReleaseBufferSetLength(int nNewLength) { ReleaseBuffer(nNewLength); }
+
+    // ---- Comparison ---------------------------------------------------------
+
+    // Ordinal: <0, 0 or >0. A narrow string compares bytes as unsigned.
+    int Compare(PCXSTR psz) const;
+    // Ordinal after folding case (ASCII, Latin-1, Latin Extended-A, Greek and
+    // Cyrillic for wide strings; ASCII for narrow ones), independent of locale.
+    int CompareNoCase(PCXSTR psz) const;
+    int Compare(const CStringT &s) const;
+    int CompareNoCase(const CStringT &s) const;
+
+    friend bool operator==(const CStringT &a, const CStringT &b) { return a.m_str == b.m_str; }
+    friend bool operator==(const CStringT &a, PCXSTR b) { return a.Compare(b) == 0; }
+    friend std::strong_ordering operator<=>(const CStringT &a, const CStringT &b) { return a.Compare(b) <=> 0; }
+    friend std::strong_ordering operator<=>(const CStringT &a, PCXSTR b) { return a.Compare(b) <=> 0; }
+
+    // ---- Searching ----------------------------------------------------------
+    //
+    // Each returns a zero-based index, or -1 when nothing matches or iStart is
+    // past the end. A negative iStart counts as 0. An empty psz matches at iStart.
+
+    int Find(XCHAR ch, int iStart = 0) const;
+    int Find(PCXSTR pszSub, int iStart = 0) const;
+    int ReverseFind(XCHAR ch) const;
+    int FindOneOf(PCXSTR pszCharSet) const;
+
+    // ---- Substrings (clamping, see header) ----------------------------------
+
+    CStringT Mid(int iFirst) const;
+    CStringT Mid(int iFirst, int nCount) const;
+    CStringT Left(int nCount) const;
+    CStringT Right(int nCount) const;
+    // The leading run of characters in (or not in) the set.
+    CStringT SpanIncluding(PCXSTR pszCharSet) const;
+    CStringT SpanExcluding(PCXSTR pszCharSet) const;
+    // The next token at or after iStart, skipping leading delimiters; sets
+    // iStart past the token's delimiter. When none is left, returns an empty
+    // string and sets iStart to -1. With no delimiters, returns the rest.
+    CStringT Tokenize(PCXSTR pszTokens, int &iStart) const;
+
+    // ---- Changing -----------------------------------------------------------
+
+    CStringT &MakeLower();
+    CStringT &MakeUpper();
+    CStringT &MakeReverse();
+    // Each returns the number of characters removed or replacements made.
+    int Remove(XCHAR ch);
+    int Replace(XCHAR chOld, XCHAR chNew);
+    // Left to right, non-overlapping; an empty or null pszOld replaces nothing.
+    int Replace(PCXSTR pszOld, PCXSTR pszNew);
+    // Insert at iIndex (clamped to 0..GetLength()); returns the new length.
+    int Insert(int iIndex, XCHAR ch);
+    int Insert(int iIndex, PCXSTR psz);
+    // Removes up to nCount characters from iIndex (clamped); returns the new length.
+    int Delete(int iIndex, int nCount = 1);
+
+    // White space is Unicode White_Space for wide strings, ASCII for narrow.
+    CStringT &Trim();
+    CStringT &Trim(XCHAR chTarget);
+    CStringT &Trim(PCXSTR pszTargets);
+    CStringT &TrimLeft();
+    CStringT &TrimLeft(XCHAR chTarget);
+    CStringT &TrimLeft(PCXSTR pszTargets);
+    CStringT &TrimRight();
+    CStringT &TrimRight(XCHAR chTarget);
+    CStringT &TrimRight(PCXSTR pszTargets);
+
+    // ---- Formatting ---------------------------------------------------------
+    //
+    // printf style, with the platform's meaning of %s: in a CString %s and %c
+    // take wide arguments and %S and %C narrow ones (UTF-8); in a CStringA the
+    // reverse. %hs/%ls force narrow/wide. Integers: %d %i %u %x %X %o with
+    // h, hh, l, ll, I64, I32, z, j, t; %ld and %lu read 32 bits, as long is 32
+    // bits on the platform, so pass 64-bit values with %lld or %I64d. Floats:
+    // %f %e %g %a (L for long double). %p, %%, flags, width, precision and *
+    // all work. %n is ignored. A CString or CStringA passed as an argument is
+    // passed as its pointer. A width or precision above 1,000,000 throws
+    // CInvalidArgException.
+
+    template <typename... Args>
+    void Format(PCXSTR pszFormat, const Args &...args)
+    {
+        FormatImpl(pszFormat, PassArg(args)...);
+    }
+    template <typename... Args>
+    void AppendFormat(PCXSTR pszFormat, const Args &...args)
+    {
+        AppendFormatImpl(pszFormat, PassArg(args)...);
+    }
+    void FormatV(PCXSTR pszFormat, va_list args);
+    void AppendFormatV(PCXSTR pszFormat, va_list args);
+
+    // ---- Concatenation ------------------------------------------------------
+
+    CStringT &operator+=(const CStringT &s) { m_str.append(s.m_str); return *this; }
+    CStringT &operator+=(PCXSTR psz) { Append(psz); return *this; }
+    CStringT &operator+=(XCHAR ch) { m_str.push_back(ch); return *this; }
+    CStringT &operator+=(PCYSTR psz) { return *this += CStringT(psz); }
+
+    friend CStringT operator+(const CStringT &a, const CStringT &b) { CStringT r(a); r += b; return r; }
+    friend CStringT operator+(CStringT &&a, const CStringT &b) { a += b; return std::move(a); }
+    friend CStringT operator+(const CStringT &a, PCXSTR b) { CStringT r(a); r += b; return r; }
+    friend CStringT operator+(CStringT &&a, PCXSTR b) { a += b; return std::move(a); }
+    friend CStringT operator+(PCXSTR a, const CStringT &b) { CStringT r(a); r += b; return r; }
+    friend CStringT operator+(const CStringT &a, XCHAR b) { CStringT r(a); r += b; return r; }
+    friend CStringT operator+(CStringT &&a, XCHAR b) { a += b; return std::move(a); }
+    friend CStringT operator+(XCHAR a, const CStringT &b) { CStringT r(a); r += b; return r; }
+
+private:
+    [[noreturn]] static void ThrowIndex();
+    void FormatImpl(PCXSTR pszFormat, ...);
+    void AppendFormatImpl(PCXSTR pszFormat, ...);
+
+    // Strings cross the C varargs as pointers; anything else that cannot is
+    // refused at compile time.
+    template <typename T>
+    static const T &PassArg(const T &v)
+    {
+        static_assert(std::is_trivially_copyable_v<T>,
+                      "pass std::string and similar to Format as pointers");
+        return v;
+    }
+    static const XCHAR *PassArg(const CStringT &s) { return s.GetString(); }
+    static const YCHAR *PassArg(const CStringT<YCHAR> &s) { return s.GetString(); }
+
+    StringType m_str;
+};
+
+extern template class CStringT<char>;
+extern template class CStringT<wchar_t>;
+
+typedef CStringT<wchar_t> CString;
+typedef CStringT<char> CStringA;
+typedef CStringT<wchar_t> CStringW;
+
+template <typename XCHAR>
+struct std::hash<CStringT<XCHAR>>
+{
+    size_t operator()(const CStringT<XCHAR> &s) const noexcept
+    {
+        return std::hash<std::basic_string_view<XCHAR>>()(s.View());
+    }
+};
