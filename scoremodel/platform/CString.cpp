@@ -384,20 +384,235 @@ void AppendText(std::basic_string<X> &out, const wchar_t *s, int precision, int 
     AppendPadded<X>(out, body, width, left);
 }
 
-template <typename X>
-void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
+// ---- Argument sources ---------------------------------------------------------------
+//
+// The engine asks a source for each argument by what the conversion needs.
+// VaSource reads a C va_list blindly, as printf does; ArgSource reads the
+// typed list that Format builds, so it knows the real type and width of each
+// argument and refuses a mismatch instead of reading garbage.
+
+struct IntValue
+{
+    ULONGLONG bits;
+    int bytes; // significant width; the engine sign- or zero-extends from it
+};
+
+struct FloatValue
+{
+    bool isLong;
+    double d;
+    long double ld;
+};
+
+struct TextValue
+{
+    const char *narrow;
+    const wchar_t *wide;
+    bool isWide;
+};
+
+struct CharValue
+{
+    char32_t code;
+    bool isWide;
+};
+
+class VaSource
+{
+public:
+    explicit VaSource(va_list src) { va_copy(m_ap, src); }
+    ~VaSource() { va_end(m_ap); }
+    VaSource(const VaSource &) = delete;
+    VaSource &operator=(const VaSource &) = delete;
+
+    int Int() { return va_arg(m_ap, int); }
+
+    IntValue Integer(LengthMod len)
+    {
+        switch (len)
+        {
+        case LengthMod::hh: return {va_arg(m_ap, unsigned), 1};
+        case LengthMod::h: return {va_arg(m_ap, unsigned), 2};
+        case LengthMod::ll:
+        case LengthMod::i64: return {va_arg(m_ap, unsigned long long), 8};
+        case LengthMod::size: return {va_arg(m_ap, std::uintptr_t), static_cast<int>(sizeof(std::uintptr_t))};
+        default: return {va_arg(m_ap, unsigned), 4}; // %ld is 32 bits, as long is on the platform
+        }
+    }
+
+    FloatValue Float(bool isLong)
+    {
+        if (isLong)
+            return {true, 0.0, va_arg(m_ap, long double)};
+        return {false, va_arg(m_ap, double), 0.0L};
+    }
+
+    CharValue Char(bool wantWide)
+    {
+        const int v = va_arg(m_ap, int);
+        if (wantWide)
+            return {static_cast<char32_t>(static_cast<std::uint32_t>(v)), true};
+        return {static_cast<unsigned char>(v), false};
+    }
+
+    TextValue Text(bool wantWide)
+    {
+        if (wantWide)
+            return {nullptr, va_arg(m_ap, const wchar_t *), true};
+        return {va_arg(m_ap, const char *), nullptr, false};
+    }
+
+    ULONGLONG Pointer() { return reinterpret_cast<std::uintptr_t>(va_arg(m_ap, void *)); }
+
+    void Skip() { (void)va_arg(m_ap, void *); }
+
+private:
+    va_list m_ap;
+};
+
+class ArgSource
+{
+public:
+    ArgSource(const CStringFormatArg *args, size_t count) : m_args(args), m_count(count) {}
+
+    int Int()
+    {
+        const CStringFormatArg &a = Next("a width or precision");
+        if (!IsInteger(a))
+            Mismatch("an integer width or precision");
+        return static_cast<int>(static_cast<LONGLONG>(a.bits));
+    }
+
+    IntValue Integer(LengthMod len)
+    {
+        const CStringFormatArg &a = Next("an integer");
+        if (a.kind == CStringFormatArg::pointer)
+            return {a.bits, 8};
+        if (!IsInteger(a))
+            Mismatch("an integer");
+        // The modifier narrows (h, hh, none) but never reads past the
+        // argument's own width; %ld takes a long at whatever width it has.
+        int modBytes;
+        switch (len)
+        {
+        case LengthMod::hh: modBytes = 1; break;
+        case LengthMod::h: modBytes = 2; break;
+        case LengthMod::l: modBytes = 8; break;
+        case LengthMod::ll:
+        case LengthMod::i64:
+        case LengthMod::size: modBytes = 8; break;
+        default: modBytes = 4; break;
+        }
+        return {a.bits, std::min<int>(modBytes, a.bytes)};
+    }
+
+    FloatValue Float(bool isLong)
+    {
+        const CStringFormatArg &a = Next("a number");
+        long double v;
+        switch (a.kind)
+        {
+        case CStringFormatArg::floating: v = a.d; break;
+        case CStringFormatArg::longFloating: v = a.ld; break;
+        case CStringFormatArg::integer: v = static_cast<long double>(static_cast<LONGLONG>(a.bits)); break;
+        case CStringFormatArg::unsignedInteger: v = static_cast<long double>(a.bits); break;
+        default: Mismatch("a number");
+        }
+        if (isLong)
+            return {true, 0.0, v};
+        return {false, static_cast<double>(v), 0.0L};
+    }
+
+    CharValue Char(bool wantWide)
+    {
+        const CStringFormatArg &a = Next("a character");
+        if (!IsInteger(a))
+            Mismatch("a character");
+        // A char argument is a byte whatever the conversion says.
+        if (a.bytes == 1 || !wantWide)
+            return {static_cast<unsigned char>(a.bits), false};
+        return {static_cast<char32_t>(static_cast<std::uint32_t>(a.bits)), true};
+    }
+
+    TextValue Text(bool)
+    {
+        // The argument's own width wins over %s and %S: a narrow string given
+        // to a wide %s is still read as UTF-8.
+        const CStringFormatArg &a = Next("a string");
+        switch (a.kind)
+        {
+        case CStringFormatArg::narrowText: return {a.narrow, nullptr, false};
+        case CStringFormatArg::wideText: return {nullptr, a.wide, true};
+        case CStringFormatArg::pointer:
+        case CStringFormatArg::integer:
+        case CStringFormatArg::unsignedInteger:
+            if (a.bits == 0) // NULL in any of its spellings
+                return {nullptr, nullptr, true};
+            break;
+        default: break;
+        }
+        Mismatch("a string");
+    }
+
+    ULONGLONG Pointer()
+    {
+        const CStringFormatArg &a = Next("a pointer");
+        switch (a.kind)
+        {
+        case CStringFormatArg::narrowText: return reinterpret_cast<std::uintptr_t>(a.narrow);
+        case CStringFormatArg::wideText: return reinterpret_cast<std::uintptr_t>(a.wide);
+        case CStringFormatArg::pointer:
+        case CStringFormatArg::integer:
+        case CStringFormatArg::unsignedInteger: return a.bits;
+        default: Mismatch("a pointer");
+        }
+    }
+
+    void Skip() { (void)Next("an argument"); }
+
+private:
+    static bool IsInteger(const CStringFormatArg &a)
+    {
+        return a.kind == CStringFormatArg::integer || a.kind == CStringFormatArg::unsignedInteger;
+    }
+
+    const CStringFormatArg &Next(const char *what)
+    {
+        if (m_index >= m_count)
+            throw CInvalidArgException(std::string("Format: missing argument ") + std::to_string(m_index + 1) +
+                                       ", " + what + " was expected");
+        return m_args[m_index++];
+    }
+
+    [[noreturn]] void Mismatch(const char *what) const
+    {
+        throw CInvalidArgException(std::string("Format: argument ") + std::to_string(m_index) + " is not " + what);
+    }
+
+    const CStringFormatArg *m_args;
+    size_t m_count;
+    size_t m_index = 0;
+};
+
+LONGLONG SignExtend(ULONGLONG bits, int bytes)
+{
+    if (bytes >= 8)
+        return static_cast<LONGLONG>(bits);
+    const int shift = 64 - 8 * bytes;
+    return static_cast<LONGLONG>(bits << shift) >> shift;
+}
+
+ULONGLONG ZeroExtend(ULONGLONG bits, int bytes)
+{
+    return bytes >= 8 ? bits : bits & ((1ULL << (8 * bytes)) - 1);
+}
+
+template <typename X, typename Source>
+void FormatInto(std::basic_string<X> &out, const X *fmt, Source &src)
 {
     if (!fmt)
         throw CInvalidArgException("Format: null format string");
     constexpr bool wideDest = std::is_same_v<X, wchar_t>;
-
-    struct VaCopy
-    {
-        va_list ap;
-        explicit VaCopy(va_list src) { va_copy(ap, src); }
-        ~VaCopy() { va_end(ap); }
-    } vc(args);
-    va_list &ap = vc.ap;
 
     const X *p = fmt;
     while (*p)
@@ -432,7 +647,7 @@ void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
         int width = -1;
         if (*p == '*')
         {
-            long long w = va_arg(ap, int);
+            long long w = src.Int();
             if (w < 0)
             {
                 left = true;
@@ -452,7 +667,7 @@ void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
             ++p;
             if (*p == '*')
             {
-                const int v = va_arg(ap, int);
+                const int v = src.Int();
                 if (v > kMaxFormatWidth)
                     throw CInvalidArgException("Format: precision too large");
                 precision = v < 0 ? -1 : v;
@@ -535,22 +750,22 @@ void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
 
         const bool forceNarrow = len == LengthMod::h || len == LengthMod::hh;
         const bool forceWide = len == LengthMod::l || len == LengthMod::w;
+        // In a wide string %s and %c are wide and %S and %C narrow; in a
+        // narrow string the reverse. h and l/w override.
+        auto wantsWide = [&](X lower) {
+            if (forceNarrow)
+                return false;
+            if (forceWide)
+                return true;
+            return (conv == lower) == wideDest;
+        };
         switch (conv)
         {
         case 'd':
         case 'i':
         {
-            long long v;
-            switch (len)
-            {
-            case LengthMod::hh: v = static_cast<signed char>(va_arg(ap, int)); break;
-            case LengthMod::h: v = static_cast<short>(va_arg(ap, int)); break;
-            case LengthMod::ll:
-            case LengthMod::i64: v = va_arg(ap, long long); break;
-            case LengthMod::size: v = va_arg(ap, std::intptr_t); break;
-            default: v = va_arg(ap, int); break;
-            }
-            AppendNumber(out, flags, width, precision, "lld", v);
+            const IntValue v = src.Integer(len);
+            AppendNumber(out, flags, width, precision, "lld", SignExtend(v.bits, v.bytes));
             break;
         }
         case 'u':
@@ -558,18 +773,9 @@ void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
         case 'X':
         case 'o':
         {
-            unsigned long long v;
-            switch (len)
-            {
-            case LengthMod::hh: v = static_cast<unsigned char>(va_arg(ap, unsigned)); break;
-            case LengthMod::h: v = static_cast<unsigned short>(va_arg(ap, unsigned)); break;
-            case LengthMod::ll:
-            case LengthMod::i64: v = va_arg(ap, unsigned long long); break;
-            case LengthMod::size: v = va_arg(ap, std::uintptr_t); break;
-            default: v = va_arg(ap, unsigned); break;
-            }
+            const IntValue v = src.Integer(len);
             const char lc[] = {'l', 'l', static_cast<char>(conv), '\0'};
-            AppendNumber(out, flags, width, precision, lc, v);
+            AppendNumber(out, flags, width, precision, lc, ZeroExtend(v.bits, v.bytes));
             break;
         }
         case 'f':
@@ -580,67 +786,60 @@ void FormatInto(std::basic_string<X> &out, const X *fmt, va_list args)
         case 'G':
         case 'a':
         case 'A':
-            if (len == LengthMod::bigL)
+        {
+            const FloatValue v = src.Float(len == LengthMod::bigL);
+            if (v.isLong)
             {
                 const char lc[] = {'L', static_cast<char>(conv), '\0'};
-                AppendNumber(out, flags, width, precision, lc, va_arg(ap, long double));
+                AppendNumber(out, flags, width, precision, lc, v.ld);
             }
             else
             {
                 const char lc[] = {static_cast<char>(conv), '\0'};
-                AppendNumber(out, flags, width, precision, lc, va_arg(ap, double));
+                AppendNumber(out, flags, width, precision, lc, v.d);
             }
             break;
+        }
         case 'p':
         {
             // The platform shows a pointer as its full width of upper-case hex.
-            const auto v = static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(va_arg(ap, void *)));
             std::basic_string<X> digits;
-            AppendNumber(digits, "0", static_cast<int>(sizeof(void *) * 2), -1, "llX", v);
+            AppendNumber(digits, "0", static_cast<int>(sizeof(void *) * 2), -1, "llX",
+                         static_cast<unsigned long long>(src.Pointer()));
             AppendPadded<X>(out, digits, width, left);
             break;
         }
         case 'c':
         case 'C':
         {
-            bool wideArg = (conv == 'c') == wideDest;
-            if (forceNarrow)
-                wideArg = false;
-            else if (forceWide)
-                wideArg = true;
-            if (wideArg)
+            const CharValue v = src.Char(wantsWide('c'));
+            std::basic_string<X> body;
+            if (v.isWide)
             {
-                const wchar_t ch[2] = {static_cast<wchar_t>(va_arg(ap, int)), 0};
-                std::basic_string<X> body;
-                Convert(body, ch, 1);
-                AppendPadded<X>(out, body, width, left);
+                const wchar_t ch = static_cast<wchar_t>(v.code);
+                Convert(body, &ch, 1);
             }
             else
             {
-                const char ch[2] = {static_cast<char>(va_arg(ap, int)), 0};
-                std::basic_string<X> body;
-                Convert(body, ch, 1);
-                AppendPadded<X>(out, body, width, left);
+                const char ch = static_cast<char>(v.code);
+                Convert(body, &ch, 1);
             }
+            AppendPadded<X>(out, body, width, left);
             break;
         }
         case 's':
         case 'S':
         {
-            bool wideArg = (conv == 's') == wideDest;
-            if (forceNarrow)
-                wideArg = false;
-            else if (forceWide)
-                wideArg = true;
-            if (wideArg)
-                AppendText(out, va_arg(ap, const wchar_t *), precision, width, left);
+            const TextValue v = src.Text(wantsWide('s'));
+            if (v.isWide)
+                AppendText(out, v.wide, precision, width, left);
             else
-                AppendText(out, va_arg(ap, const char *), precision, width, left);
+                AppendText(out, v.narrow, precision, width, left);
             break;
         }
         case 'n':
             // Writing through an argument is a classic exploit; ignore it.
-            (void)va_arg(ap, void *);
+            src.Skip();
             break;
         default:
             // Unknown conversion: show it as written; no argument is consumed.
@@ -1094,7 +1293,8 @@ void CStringT<XCHAR>::FormatV(PCXSTR pszFormat, va_list args)
 {
     // Built aside: the format or an argument may point into this string.
     StringType out;
-    FormatInto(out, pszFormat, args);
+    VaSource src(args);
+    FormatInto(out, pszFormat, src);
     m_str = std::move(out);
 }
 
@@ -1102,42 +1302,21 @@ template <typename XCHAR>
 void CStringT<XCHAR>::AppendFormatV(PCXSTR pszFormat, va_list args)
 {
     StringType out;
-    FormatInto(out, pszFormat, args);
+    VaSource src(args);
+    FormatInto(out, pszFormat, src);
     m_str += out;
 }
 
 template <typename XCHAR>
-void CStringT<XCHAR>::FormatImpl(PCXSTR pszFormat, ...)
+void CStringT<XCHAR>::FormatArgs(PCXSTR pszFormat, const CStringFormatArg *args, size_t count, bool append)
 {
-    va_list ap;
-    va_start(ap, pszFormat);
-    try
-    {
-        FormatV(pszFormat, ap);
-    }
-    catch (...)
-    {
-        va_end(ap);
-        throw;
-    }
-    va_end(ap);
-}
-
-template <typename XCHAR>
-void CStringT<XCHAR>::AppendFormatImpl(PCXSTR pszFormat, ...)
-{
-    va_list ap;
-    va_start(ap, pszFormat);
-    try
-    {
-        AppendFormatV(pszFormat, ap);
-    }
-    catch (...)
-    {
-        va_end(ap);
-        throw;
-    }
-    va_end(ap);
+    StringType out;
+    ArgSource src(args, count);
+    FormatInto(out, pszFormat, src);
+    if (append)
+        m_str += out;
+    else
+        m_str = std::move(out);
 }
 
 template class CStringT<char>;

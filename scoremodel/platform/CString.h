@@ -33,6 +33,40 @@
 #include <string_view>
 #include <type_traits>
 
+// One argument of CStringT::Format, captured with its type so that a format
+// and its arguments that disagree are caught instead of read as garbage.
+// Made by MakeFormatArg; not for other use.
+struct CStringFormatArg
+{
+    enum Kind : unsigned char
+    {
+        none,
+        integer,         // bits hold the value sign-extended to 64
+        unsignedInteger, // bits hold the value zero-extended to 64
+        floating,
+        longFloating,
+        narrowText,
+        wideText,
+        pointer // bits hold the address
+    };
+    Kind kind = none;
+    unsigned char bytes = 0; // width of an integer's own type
+    union
+    {
+        ULONGLONG bits = 0;
+        double d;
+        long double ld;
+        const char *narrow;
+        const wchar_t *wide;
+    };
+};
+
+template <typename XCHAR>
+class CStringT;
+
+template <typename T>
+CStringFormatArg MakeFormatArg(const T &value);
+
 template <typename XCHAR>
 class CStringT
 {
@@ -195,24 +229,33 @@ public:
     // ---- Formatting ---------------------------------------------------------
     //
     // printf style, with the platform's meaning of %s: in a CString %s and %c
-    // take wide arguments and %S and %C narrow ones (UTF-8); in a CStringA the
-    // reverse. %hs/%ls force narrow/wide. Integers: %d %i %u %x %X %o with
-    // h, hh, l, ll, I64, I32, z, j, t; %ld and %lu read 32 bits, as long is 32
-    // bits on the platform, so pass 64-bit values with %lld or %I64d. Floats:
-    // %f %e %g %a (L for long double). %p, %%, flags, width, precision and *
-    // all work. %n is ignored. A CString or CStringA passed as an argument is
-    // passed as its pointer. A width or precision above 1,000,000 throws
-    // CInvalidArgException.
+    // are wide and %S and %C narrow; in a CStringA the reverse; %hs/%ls force
+    // narrow/wide. Integers: %d %i %u %x %X %o with h, hh, l, ll, I64, I32, z,
+    // j, t. Floats: %f %e %g %a (L for long double). %p, %%, flags, width,
+    // precision and * all work. %n is ignored; an unknown conversion is copied
+    // as written.
+    //
+    // Format and AppendFormat see the real type of each argument, so:
+    //  - a CString or CStringA argument is taken as its text;
+    //  - a string argument prints correctly whichever of %s/%S is used;
+    //  - %ld takes a 32-bit LONG or DWORD as 32 bits and a 64-bit long as 64;
+    //  - too few arguments, or one of the wrong kind (a number for %s, a
+    //    string for %d), throw CInvalidArgException instead of reading garbage.
+    // FormatV and AppendFormatV read a va_list blindly, as printf does, with
+    // %ld as 32 bits. A width or precision above 1,000,000 or a null format
+    // throws CInvalidArgException.
 
     template <typename... Args>
     void Format(PCXSTR pszFormat, const Args &...args)
     {
-        FormatImpl(pszFormat, PassArg(args)...);
+        const CStringFormatArg list[] = {MakeFormatArg(args)..., CStringFormatArg()};
+        FormatArgs(pszFormat, list, sizeof...(Args), false);
     }
     template <typename... Args>
     void AppendFormat(PCXSTR pszFormat, const Args &...args)
     {
-        AppendFormatImpl(pszFormat, PassArg(args)...);
+        const CStringFormatArg list[] = {MakeFormatArg(args)..., CStringFormatArg()};
+        FormatArgs(pszFormat, list, sizeof...(Args), true);
     }
     void FormatV(PCXSTR pszFormat, va_list args);
     void AppendFormatV(PCXSTR pszFormat, va_list args);
@@ -235,23 +278,85 @@ public:
 
 private:
     [[noreturn]] static void ThrowIndex();
-    void FormatImpl(PCXSTR pszFormat, ...);
-    void AppendFormatImpl(PCXSTR pszFormat, ...);
-
-    // Strings cross the C varargs as pointers; anything else that cannot is
-    // refused at compile time.
-    template <typename T>
-    static const T &PassArg(const T &v)
-    {
-        static_assert(std::is_trivially_copyable_v<T>,
-                      "pass std::string and similar to Format as pointers");
-        return v;
-    }
-    static const XCHAR *PassArg(const CStringT &s) { return s.GetString(); }
-    static const YCHAR *PassArg(const CStringT<YCHAR> &s) { return s.GetString(); }
+    void FormatArgs(PCXSTR pszFormat, const CStringFormatArg *args, size_t count, bool append);
 
     StringType m_str;
 };
+
+template <typename T>
+CStringFormatArg MakeFormatArg(const T &value)
+{
+    using D = std::remove_cv_t<T>;
+    CStringFormatArg a;
+    if constexpr (std::is_enum_v<D>)
+        return MakeFormatArg(static_cast<std::underlying_type_t<D>>(value));
+    else if constexpr (std::is_same_v<D, bool>)
+    {
+        a.kind = CStringFormatArg::integer;
+        a.bytes = sizeof(int);
+        a.bits = value ? 1 : 0;
+    }
+    else if constexpr (std::is_integral_v<D>)
+    {
+        a.bytes = sizeof(D);
+        if constexpr (std::is_signed_v<D>)
+        {
+            a.kind = CStringFormatArg::integer;
+            a.bits = static_cast<ULONGLONG>(static_cast<LONGLONG>(value));
+        }
+        else
+        {
+            a.kind = CStringFormatArg::unsignedInteger;
+            a.bits = static_cast<ULONGLONG>(value);
+        }
+    }
+    else if constexpr (std::is_same_v<D, float> || std::is_same_v<D, double>)
+    {
+        a.kind = CStringFormatArg::floating;
+        a.d = value;
+    }
+    else if constexpr (std::is_same_v<D, long double>)
+    {
+        a.kind = CStringFormatArg::longFloating;
+        a.ld = value;
+    }
+    else if constexpr (std::is_same_v<D, CStringT<char>>)
+    {
+        a.kind = CStringFormatArg::narrowText;
+        a.narrow = value.GetString();
+    }
+    else if constexpr (std::is_same_v<D, CStringT<wchar_t>>)
+    {
+        a.kind = CStringFormatArg::wideText;
+        a.wide = value.GetString();
+    }
+    else if constexpr (std::is_array_v<D> || std::is_pointer_v<D>)
+    {
+        using E = std::remove_cv_t<std::remove_pointer_t<std::decay_t<D>>>;
+        const auto *ptr = static_cast<const E *>(value);
+        if constexpr (std::is_same_v<E, char>)
+        {
+            a.kind = CStringFormatArg::narrowText;
+            a.narrow = ptr;
+        }
+        else if constexpr (std::is_same_v<E, wchar_t>)
+        {
+            a.kind = CStringFormatArg::wideText;
+            a.wide = ptr;
+        }
+        else
+        {
+            a.kind = CStringFormatArg::pointer;
+            a.bits = reinterpret_cast<UINT_PTR>(ptr);
+        }
+    }
+    else if constexpr (std::is_same_v<D, std::nullptr_t>)
+        a.kind = CStringFormatArg::pointer;
+    else
+        static_assert(std::is_same_v<D, void>, "Format takes numbers, characters, pointers and strings; "
+                                               "pass other strings as pointers");
+    return a;
+}
 
 extern template class CStringT<char>;
 extern template class CStringT<wchar_t>;

@@ -99,6 +99,53 @@ TEST(CStringFormat, LongOutputIsNotTruncated)
     EXPECT_EQ(L'1', s[5000 + 1 + 300 + 1]);
 }
 
+TEST(CStringFormat, ArgumentsAreReadByTheirRealType)
+{
+    CString s;
+    s.Format(L"%s|%S", "b\xc3\xa4r", L"\u00e9") ;
+    EXPECT_EQ(L"b\u00e4r|\u00e9", W(s)) << "a string prints right whichever of %s/%S names it";
+    const long big = 5000000000L;
+    const DWORD dw = 0xFFFFFFFFu;
+    s.Format(L"%ld %lu %lld %d", big, dw, 7, true);
+    EXPECT_EQ(L"5000000000 4294967295 7 1", W(s));
+    s.Format(L"%f %d%%", 3, 50);
+    EXPECT_EQ(L"3.000000 50%", W(s)) << "an integer given to %f is its value";
+    enum Colour { red = 2 };
+    s.Format(L"%d %c", red, 'A');
+    EXPECT_EQ(L"2 A", W(s));
+}
+
+TEST(CStringFormat, TooFewOrWrongArgumentsThrowInsteadOfReadingGarbage)
+{
+    CString s(L"kept");
+    EXPECT_THROW(s.Format(L"%d %d", 1), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%s", 42), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%d", L"text"), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%*d", 1.5, 2), CInvalidArgException);
+    EXPECT_EQ(L"kept", W(s)) << "a failed Format leaves the string alone";
+    s.Format(L"%s", nullptr);
+    EXPECT_EQ(L"(null)", W(s));
+    s.Format(L"%d", 1, 2, 3);
+    EXPECT_EQ(L"1", W(s)) << "extra arguments are ignored";
+}
+
+CString FormatThroughVaList(const wchar_t *fmt, ...)
+{
+    va_list ap;
+    va_start(ap, fmt);
+    CString s(L">");
+    s.AppendFormatV(fmt, ap);
+    va_end(ap);
+    return s;
+}
+
+TEST(CStringFormat, VaListFormattingFollowsThePlatformWidths)
+{
+    const LONG minusOne = -1;
+    EXPECT_EQ(L">-1 4294967295 ab \u00e9 x", W(FormatThroughVaList(L"%ld %lu %s %S %hc", minusOne, minusOne, L"ab",
+                                                                   "\xc3\xa9", 'x')));
+}
+
 TEST(CStringFormat, AppendFormatKeepsExistingText)
 {
     CString s(L"Bar ");
