@@ -18,8 +18,9 @@
 // CInvalidArgException.
 //
 //     CString name = CString::FromUtf8(u8"Fl\u00f6te");
-//     name.Format(L"%s %d", (LPCWSTR)name, 2);   // %s is wide in a CString
-//     std::string bytes = name.ToUtf8();
+//     CString title;
+//     title.Format(L"%s, %d staves", name, 2);   // %s is wide in a CString
+//     std::string bytes = title.ToUtf8();
 #pragma once
 
 #include <scoremodel/platform/Exceptions.h>
@@ -110,6 +111,10 @@ public:
     // A string decoded from UTF-8; nLength < 0 means up to the terminating NUL.
     // For a CStringA, the bytes unchanged. A null pointer gives an empty string.
     static CStringT FromUtf8(const char *psz, int nLength = -1);
+    static CStringT FromUtf8(const char8_t *psz, int nLength = -1)
+    {
+        return FromUtf8(reinterpret_cast<const char *>(psz), nLength);
+    }
 
     // ---- Access -------------------------------------------------------------
 

@@ -500,7 +500,8 @@ TEST(CStringUtf8, UnencodableWideCharactersBecomeReplacement)
 
 TEST(CStringUtf8, NullAndLengthArgumentsAreSafe)
 {
-    EXPECT_TRUE(CString::FromUtf8(nullptr).IsEmpty());
+    EXPECT_TRUE(CString::FromUtf8(static_cast<const char *>(nullptr)).IsEmpty());
+    EXPECT_EQ(L"\u00e9\U0001F3B5", W(CString::FromUtf8(u8"\u00e9\U0001F3B5")));
     EXPECT_TRUE(CString(static_cast<const char *>(nullptr)).IsEmpty());
     EXPECT_TRUE(CStringA(static_cast<const wchar_t *>(nullptr)).IsEmpty());
     EXPECT_EQ(L"ab", W(CString::FromUtf8("abcdef", 2)));
