@@ -1,0 +1,13 @@
+// FCSize: a typed field holding an extent (CSize). Only == and != exist, as on
+// CSize itself.
+#pragma once
+
+#include <scoremodel/core/FCBase.h>
+#include <scoremodel/platform/CGeometry.h>
+
+class FCSize : public FCBase
+{
+    FC_DECLARE_VALUE(FCSize, CSize, const CSize &, CSize())
+
+    FC_DECLARE_EQUALITY(FCSize, const CSize &)
+};
