@@ -1,0 +1,1013 @@
+#include <scoremodel/platform/CArchive.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <functional>
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+using Bytes = std::vector<BYTE>;
+
+Bytes Store(const std::function<void(CArchive &)> &write, int nBufSize = 4096)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store, nBufSize);
+        write(ar);
+        ar.Close();
+    }
+    Bytes out(static_cast<size_t>(mem.GetLength()));
+    mem.SeekToBegin();
+    mem.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+// Loads through a read-only attached buffer, then frees whatever the archive
+// created, whether read succeeded or threw.
+void Load(const Bytes &bytes, const std::function<void(CArchive &)> &read, int nBufSize = 4096)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load, nBufSize);
+    struct FreeLoaded
+    {
+        CArchive &ar;
+        ~FreeLoaded()
+        {
+            for (CObject *p : ar.GetLoadedObjects())
+                delete p;
+        }
+    } freeLoaded{ar};
+    read(ar);
+}
+
+Bytes Concat(std::initializer_list<Bytes> parts)
+{
+    Bytes out;
+    for (const Bytes &p : parts)
+        out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+
+Bytes Text(const char *s)
+{
+    return Bytes(s, s + std::strlen(s));
+}
+
+Bytes ClassRecord(WORD schema, const char *name)
+{
+    const WORD n = static_cast<WORD>(std::strlen(name));
+    return Concat({{0xFF, 0xFF, LOBYTE(schema), HIBYTE(schema), LOBYTE(n), HIBYTE(n)}, Text(name)});
+}
+
+int CauseOf(const std::function<void()> &f)
+{
+    try
+    {
+        f();
+    }
+    catch (const CArchiveException &e)
+    {
+        return e.m_cause;
+    }
+    return -1;
+}
+} // namespace
+
+// ---- Test classes ---------------------------------------------------------------
+//
+// Outside the anonymous namespace: class names are looked up by name, so they
+// are global anyway.
+
+class ArPoint : public CObject
+{
+    DECLARE_SERIAL(ArPoint)
+public:
+    LONG m_x = 0;
+    LONG m_y = 0;
+    void Serialize(CArchive &ar) override
+    {
+        if (ar.IsStoring())
+            ar << m_x << m_y;
+        else
+            ar >> m_x >> m_y;
+    }
+};
+IMPLEMENT_SERIAL(ArPoint, CObject, 1)
+
+class ArLabel : public ArPoint
+{
+    DECLARE_SERIAL(ArLabel)
+};
+IMPLEMENT_SERIAL(ArLabel, ArPoint, 1)
+
+class ArOther : public CObject
+{
+    DECLARE_SERIAL(ArOther)
+};
+IMPLEMENT_SERIAL(ArOther, CObject, 1)
+
+// Schema 3 added m_b; older streams hold m_a only.
+class ArVersioned : public CObject
+{
+    DECLARE_SERIAL(ArVersioned)
+public:
+    WORD m_a = 0;
+    WORD m_b = 0xBBBB;
+    UINT m_loadedSchema = 0;
+    UINT m_secondAsk = 0;
+    void Serialize(CArchive &ar) override
+    {
+        if (ar.IsStoring())
+        {
+            ar << m_a << m_b;
+            return;
+        }
+        m_loadedSchema = ar.GetObjectSchema();
+        m_secondAsk = ar.GetObjectSchema();
+        ar >> m_a;
+        if (m_loadedSchema >= 3)
+            ar >> m_b;
+    }
+};
+IMPLEMENT_SERIAL(ArVersioned, CObject, VERSIONABLE_SCHEMA | 3)
+
+// A node of a graph: a counted list of children and one free link.
+class ArNode : public CObject
+{
+    DECLARE_SERIAL(ArNode)
+public:
+    std::vector<ArNode *> m_children;
+    CObject *m_pLink = nullptr;
+    int m_value = 0;
+    void Serialize(CArchive &ar) override
+    {
+        if (ar.IsStoring())
+        {
+            ar.WriteCount(m_children.size());
+            for (ArNode *child : m_children)
+                ar << child;
+            ar << m_pLink << m_value;
+            return;
+        }
+        const DWORD_PTR n = ar.ReadCount();
+        for (DWORD_PTR i = 0; i < n; ++i)
+        {
+            ArNode *child;
+            ar >> child;
+            m_children.push_back(child);
+        }
+        ar >> m_pLink >> m_value;
+    }
+};
+IMPLEMENT_SERIAL(ArNode, CObject, 1)
+
+// Reads one byte and then fails, as a record that finds corrupt data does.
+class ArThrower : public ArNode
+{
+    DECLARE_SERIAL(ArThrower)
+public:
+    void Serialize(CArchive &ar) override
+    {
+        if (ar.IsStoring())
+        {
+            ar << BYTE(1);
+            return;
+        }
+        BYTE b;
+        ar >> b;
+        throw CArchiveException(CArchiveException::genericException, "bad record");
+    }
+};
+IMPLEMENT_SERIAL(ArThrower, ArNode, 1)
+
+class ArDynamic : public CObject
+{
+    DECLARE_DYNCREATE(ArDynamic)
+};
+IMPLEMENT_DYNCREATE(ArDynamic, CObject)
+
+class ArAbstract : public CObject
+{
+    DECLARE_DYNAMIC(ArAbstract)
+};
+IMPLEMENT_DYNAMIC(ArAbstract, CObject)
+
+class ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally : public CObject
+{
+    DECLARE_SERIAL(ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally)
+};
+IMPLEMENT_SERIAL(ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally, CObject, 1)
+
+// Pointers that are not objects must not be written as a bool.
+template <typename T>
+concept Storable = requires(CArchive &ar, T v) { ar << v; };
+static_assert(!Storable<const char *>);
+static_assert(!Storable<const wchar_t *>);
+static_assert(!Storable<int *>);
+static_assert(Storable<ArPoint *>);
+static_assert(Storable<const CObject *>);
+static_assert(!Storable<wchar_t>);
+
+// ---- Scalars ----------------------------------------------------------------------
+
+TEST(CArchiveScalars, EachTypeIsWrittenLittleEndianAtItsFixedWidth)
+{
+    struct Case
+    {
+        const char *type;
+        std::function<void(CArchive &)> write;
+        Bytes expected;
+    };
+    const std::vector<Case> cases = {
+        {"BYTE", [](CArchive &ar) { ar << BYTE(0xAB); }, {0xAB}},
+        {"char", [](CArchive &ar) { ar << 'A'; }, {0x41}},
+        {"signed char", [](CArchive &ar) { ar << static_cast<signed char>(-2); }, {0xFE}},
+        {"bool", [](CArchive &ar) { ar << true << false; }, {0x01, 0x00}},
+        {"WORD", [](CArchive &ar) { ar << WORD(0x1234); }, {0x34, 0x12}},
+        {"short", [](CArchive &ar) { ar << short(-2); }, {0xFE, 0xFF}},
+        {"DWORD", [](CArchive &ar) { ar << DWORD(0x12345678); }, {0x78, 0x56, 0x34, 0x12}},
+        {"UINT", [](CArchive &ar) { ar << 7u; }, {0x07, 0, 0, 0}},
+        {"LONG", [](CArchive &ar) { ar << LONG(-2); }, {0xFE, 0xFF, 0xFF, 0xFF}},
+        {"int", [](CArchive &ar) { ar << 0x01020304; }, {0x04, 0x03, 0x02, 0x01}},
+        {"long", [](CArchive &ar) { ar << -2L; }, {0xFE, 0xFF, 0xFF, 0xFF}},
+        {"unsigned long", [](CArchive &ar) { ar << 0x89ABCDEFUL; }, {0xEF, 0xCD, 0xAB, 0x89}},
+        {"long long", [](CArchive &ar) { ar << -2LL; }, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
+        {"unsigned long long",
+         [](CArchive &ar) { ar << 0x0102030405060708ULL; },
+         {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01}},
+        {"float", [](CArchive &ar) { ar << 1.0f; }, {0x00, 0x00, 0x80, 0x3F}},
+        {"double", [](CArchive &ar) { ar << -2.0; }, {0, 0, 0, 0, 0, 0, 0x00, 0xC0}},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(Store(c.write), c.expected) << c.type;
+}
+
+TEST(CArchiveScalars, EveryTypeReadsBackWhatWasWritten)
+{
+    const Bytes bytes = Store([](CArchive &ar) {
+        ar << BYTE(200) << 'z' << static_cast<signed char>(-100) << true << WORD(65000) << short(-30000)
+           << DWORD(4000000000u) << LONG(-2000000000) << 0xDEADBEEFUL << -123456L << -5LL << 0xFFFFFFFFFFULL << 3.5f
+           << 1e300;
+    });
+    EXPECT_EQ(bytes.size(), 1u + 1 + 1 + 1 + 2 + 2 + 4 + 4 + 4 + 4 + 8 + 8 + 4 + 8);
+    Load(bytes, [](CArchive &ar) {
+        BYTE b;
+        char c;
+        signed char sc;
+        bool t;
+        WORD w;
+        short s;
+        DWORD dw;
+        LONG l;
+        unsigned long ul;
+        long sl;
+        long long ll;
+        unsigned long long ull;
+        float f;
+        double d;
+        ar >> b >> c >> sc >> t >> w >> s >> dw >> l >> ul >> sl >> ll >> ull >> f >> d;
+        EXPECT_EQ(b, 200);
+        EXPECT_EQ(c, 'z');
+        EXPECT_EQ(sc, -100);
+        EXPECT_TRUE(t);
+        EXPECT_EQ(w, 65000);
+        EXPECT_EQ(s, -30000);
+        EXPECT_EQ(dw, 4000000000u);
+        EXPECT_EQ(l, -2000000000);
+        EXPECT_EQ(ul, 0xDEADBEEFUL);
+        EXPECT_EQ(sl, -123456L);
+        EXPECT_EQ(ll, -5LL);
+        EXPECT_EQ(ull, 0xFFFFFFFFFFULL);
+        EXPECT_EQ(f, 3.5f);
+        EXPECT_EQ(d, 1e300);
+        EXPECT_EQ(ar.GetBytesRemaining(), 0u);
+    });
+}
+
+TEST(CArchiveScalars, AnyNonZeroByteLoadsAsTrue)
+{
+    Load({0x00, 0x01, 0x7F, 0xFF}, [](CArchive &ar) {
+        bool a, b, c, d;
+        ar >> a >> b >> c >> d;
+        EXPECT_FALSE(a);
+        EXPECT_TRUE(b);
+        EXPECT_TRUE(c);
+        EXPECT_TRUE(d);
+    });
+}
+
+TEST(CArchiveScalars, FieldsStraddlingTheBufferEdgeAndBigBlocksSurviveASmallBuffer)
+{
+    Bytes block(1000);
+    for (size_t i = 0; i < block.size(); ++i)
+        block[i] = static_cast<BYTE>(i * 7);
+    auto write = [&](CArchive &ar) {
+        for (int i = 0; i < 300; ++i)
+        {
+            ar << BYTE(i) << DWORD(i * 100000) << WORD(i) << double(i) / 3;
+            if (i % 50 == 0)
+                ar.Write(block.data(), static_cast<UINT>(block.size()));
+        }
+    };
+    const Bytes small = Store(write, 128);
+    EXPECT_EQ(small, Store(write, 65536));
+    Load(
+        small,
+        [&](CArchive &ar) {
+            for (int i = 0; i < 300; ++i)
+            {
+                BYTE b;
+                DWORD dw;
+                WORD w;
+                double d;
+                ar >> b >> dw >> w >> d;
+                ASSERT_EQ(b, BYTE(i));
+                ASSERT_EQ(dw, DWORD(i * 100000));
+                ASSERT_EQ(w, WORD(i));
+                ASSERT_EQ(d, double(i) / 3);
+                if (i % 50 == 0)
+                {
+                    Bytes got(block.size());
+                    EXPECT_EQ(ar.Read(got.data(), static_cast<UINT>(got.size())), got.size());
+                    ASSERT_EQ(got, block);
+                }
+            }
+        },
+        128);
+}
+
+// ---- Counts -----------------------------------------------------------------------
+
+namespace
+{
+// Decodes through a pipe: the archive can't know its length, so counts too big
+// for the bytes that follow are still decoded rather than refused.
+DWORD_PTR ReadCountFromPipe(const Bytes &bytes)
+{
+    int fds[2];
+    EXPECT_EQ(::pipe(fds), 0);
+    EXPECT_EQ(::write(fds[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ::close(fds[1]);
+    CFile pipeFile(fds[0]);
+    DWORD_PTR count = 0;
+    {
+        CArchive ar(&pipeFile, CArchive::load);
+        EXPECT_EQ(ar.GetBytesRemaining(), CArchive::unknownLength);
+        count = ar.ReadCount();
+        ar.Abort();
+    }
+    pipeFile.Close();
+    return count;
+}
+} // namespace
+
+TEST(CArchiveCounts, EachWidthStartsExactlyAtItsBoundary)
+{
+    struct Case
+    {
+        DWORD_PTR count;
+        Bytes bytes;
+    };
+    const std::vector<Case> cases = {
+        {0, {0x00, 0x00}},
+        {0xFFFE, {0xFE, 0xFF}},
+        {0xFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}},
+        {0x10000, {0xFF, 0xFF, 0x00, 0x00, 0x01, 0x00}},
+        {0xFFFFFFFE, {0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}},
+        {0xFFFFFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00}},
+        {0x100000000ull,
+         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00}},
+    };
+    for (const Case &c : cases)
+    {
+        EXPECT_EQ(Store([&](CArchive &ar) { ar.WriteCount(c.count); }), c.bytes) << std::hex << c.count;
+        EXPECT_EQ(ReadCountFromPipe(c.bytes), c.count) << std::hex << c.count;
+    }
+}
+
+TEST(CArchiveCounts, ACountThatFitsTheRemainingBytesLoads)
+{
+    Bytes bytes = Store([](CArchive &ar) { ar.WriteCount(0xFFFF); });
+    bytes.resize(bytes.size() + 0xFFFF);
+    Load(bytes, [](CArchive &ar) { EXPECT_EQ(ar.ReadCount(), 0xFFFFu); });
+}
+
+TEST(CArchiveCounts, ACountBeyondTheRemainingBytesIsEndOfFileBeforeAnyoneAllocates)
+{
+    for (DWORD_PTR count : {DWORD_PTR(3), DWORD_PTR(0xFFFF), DWORD_PTR(0xFFFFFFFF), DWORD_PTR(0x7FFFFFFFFFFFFFFFull)})
+    {
+        Bytes bytes = Store([&](CArchive &ar) { ar.WriteCount(count); });
+        bytes.push_back(0); // one byte where more are needed
+        bytes.push_back(0);
+        EXPECT_EQ(CauseOf([&] { Load(bytes, [](CArchive &ar) { ar.ReadCount(); }); }), CArchiveException::endOfFile)
+            << count;
+    }
+}
+
+// ---- Strings ----------------------------------------------------------------------
+
+TEST(CArchiveStrings, LengthPrefixesSwitchFormAtEachBoundary)
+{
+    struct Case
+    {
+        int length;
+        Bytes prefix;
+    };
+    const std::vector<Case> cases = {
+        {0, {0x00}},
+        {254, {0xFE}},
+        {255, {0xFF, 0xFF, 0x00}},
+        {0xFFFD, {0xFF, 0xFD, 0xFF}},
+        {0xFFFE, {0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00}},
+        {0xFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}},
+    };
+    const Bytes wideMarker = {0xFF, 0xFE, 0xFF};
+    for (const Case &c : cases)
+    {
+        CString wide;
+        CStringA narrow;
+        for (int i = 0; i < c.length; ++i)
+        {
+            wide += static_cast<wchar_t>(0x3B1 + i % 20); // Greek, two bytes in UTF-16
+            narrow += static_cast<char>('a' + i % 26);
+        }
+
+        const Bytes w = Store([&](CArchive &ar) { ar << wide; });
+        ASSERT_EQ(w.size(), wideMarker.size() + c.prefix.size() + 2 * c.length) << c.length;
+        EXPECT_EQ(Bytes(w.begin(), w.begin() + 3), wideMarker) << c.length;
+        EXPECT_EQ(Bytes(w.begin() + 3, w.begin() + 3 + c.prefix.size()), c.prefix) << c.length;
+        if (c.length)
+        {
+            EXPECT_EQ(w[3 + c.prefix.size()], 0xB1) << c.length;
+        }
+
+        const Bytes n = Store([&](CArchive &ar) { ar << narrow; });
+        ASSERT_EQ(n.size(), c.prefix.size() + c.length) << c.length;
+        EXPECT_EQ(Bytes(n.begin(), n.begin() + c.prefix.size()), c.prefix) << c.length;
+
+        Load(Concat({w, n}), [&](CArchive &ar) {
+            CString w2;
+            CStringA n2;
+            ar >> w2 >> n2;
+            EXPECT_TRUE(w2 == wide) << c.length;
+            EXPECT_TRUE(n2 == narrow) << c.length;
+        });
+    }
+}
+
+TEST(CArchiveStrings, HugeLengthsUseTheThirtyTwoAndSixtyFourBitForms)
+{
+    EXPECT_EQ(Store([](CArchive &ar) { AfxWriteStringLength(ar, 0xFFFFFFFE, TRUE); }),
+              (Bytes{0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(Store([](CArchive &ar) { AfxWriteStringLength(ar, 0xFFFFFFFF, FALSE); }),
+              (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}));
+    Load({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}, [](CArchive &ar) {
+        int size;
+        EXPECT_EQ(AfxReadStringLength(ar, size), 0xFFFFFFFEu);
+        EXPECT_EQ(size, 1);
+    });
+    // A 64-bit length beyond what a string can hold is refused outright.
+    EXPECT_EQ(CauseOf([] {
+                  Load({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x80, 0, 0, 0, 0},
+                       [](CArchive &ar) {
+                           CString s;
+                           ar >> s;
+                       });
+              }),
+              CArchiveException::genericException);
+}
+
+TEST(CArchiveStrings, CharactersBeyondTheBasicPlaneBecomeSurrogatePairsAndComeBack)
+{
+    const CString s(L"a\U0001D11E\U0001F3B5z");
+    const Bytes bytes = Store([&](CArchive &ar) { ar << s; });
+    EXPECT_EQ(bytes, (Bytes{0xFF, 0xFE, 0xFF, 0x06, 0x61, 0x00, 0x34, 0xD8, 0x1E, 0xDD, 0x3C, 0xD8, 0xB5, 0xDF, 0x7A, 0x00}));
+    Load(bytes, [&](CArchive &ar) {
+        CString back;
+        ar >> back;
+        EXPECT_TRUE(back == s);
+        EXPECT_EQ(back.GetLength(), 4);
+    });
+}
+
+TEST(CArchiveStrings, APairSplitAcrossReadPiecesIsStillJoined)
+{
+    // 16383 BMP units, then a pair whose halves fall into different pieces.
+    CString s(L'x', 16383);
+    s += L"\U0001F3B5";
+    const Bytes bytes = Store([&](CArchive &ar) { ar << s; });
+    Load(bytes, [&](CArchive &ar) {
+        CString back;
+        ar >> back;
+        EXPECT_TRUE(back == s);
+    });
+}
+
+TEST(CArchiveStrings, LoneSurrogatesSurviveAndNonCharactersBecomeReplacement)
+{
+    Load({0xFF, 0xFE, 0xFF, 0x03, 0x00, 0xD8, 0x41, 0x00, 0x00, 0xDC}, [](CArchive &ar) {
+        CString s;
+        ar >> s;
+        ASSERT_EQ(s.GetLength(), 3);
+        EXPECT_EQ(s[0], 0xD800);
+        EXPECT_EQ(s[1], L'A');
+        EXPECT_EQ(s[2], 0xDC00);
+    });
+    CString bad;
+    bad += static_cast<wchar_t>(0x110000);
+    EXPECT_EQ(Store([&](CArchive &ar) { ar << bad; }), (Bytes{0xFF, 0xFE, 0xFF, 0x01, 0xFD, 0xFF}));
+}
+
+TEST(CArchiveStrings, NarrowTextLoadsIntoAWideStringOneCharacterPerByte)
+{
+    Load({0x04, 'A', 0x80, 0xE9, 0x9F}, [](CArchive &ar) {
+        CString s;
+        ar >> s;
+        EXPECT_TRUE(s == CString(L"A\u20AC\u00E9\u0178"));
+    });
+}
+
+TEST(CArchiveStrings, WideTextLoadsIntoANarrowStringAsUtf8)
+{
+    const Bytes bytes = Store([](CArchive &ar) { ar << CString(L"Fl\u00F6te \U0001D11E"); });
+    Load(bytes, [](CArchive &ar) {
+        CStringA s;
+        ar >> s;
+        EXPECT_EQ(s.ToUtf8(), std::string("Fl\xC3\xB6te \xF0\x9D\x84\x9E"));
+    });
+}
+
+TEST(CArchiveStrings, ALengthBeyondTheRemainingBytesIsEndOfFile)
+{
+    EXPECT_EQ(CauseOf([] {
+                  Load({0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0}, [](CArchive &ar) {
+                      CString s;
+                      ar >> s;
+                  });
+              }),
+              CArchiveException::endOfFile);
+    EXPECT_EQ(CauseOf([] {
+                  Load({0x05, 'a', 'b'}, [](CArchive &ar) {
+                      CStringA s;
+                      ar >> s;
+                  });
+              }),
+              CArchiveException::endOfFile);
+}
+
+// ---- Object tags --------------------------------------------------------------------
+
+TEST(CArchiveObjects, NewClassClassReferenceBackReferenceAndNullHaveThePlatformsBytes)
+{
+    ArPoint p, q;
+    p.m_x = 1;
+    p.m_y = -1;
+    q.m_x = 2;
+    q.m_y = 3;
+    const Bytes bytes = Store([&](CArchive &ar) {
+        ar << &p;                // class 1, object 2
+        ar << &p;                // back reference
+        ar << &q;                // class reference, object 3
+        ar << (CObject *)nullptr;
+        ar << &q;
+    });
+    const Bytes expected = Concat({ClassRecord(1, "ArPoint"),
+                                   {0x01, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF},
+                                   {0x02, 0x00},
+                                   {0x01, 0x80, 0x02, 0, 0, 0, 0x03, 0, 0, 0},
+                                   {0x00, 0x00},
+                                   {0x03, 0x00}});
+    EXPECT_EQ(bytes, expected);
+
+    Load(bytes, [](CArchive &ar) {
+        CObject *a, *b, *c, *n, *d;
+        ar >> a >> b >> c >> n >> d;
+        ASSERT_TRUE(a && c);
+        EXPECT_EQ(a, b);
+        EXPECT_EQ(c, d);
+        EXPECT_NE(a, c);
+        EXPECT_EQ(n, nullptr);
+        EXPECT_EQ(static_cast<ArPoint *>(c)->m_y, 3);
+        EXPECT_EQ(ar.GetLoadedObjects(), (std::vector<CObject *>{a, c}));
+    });
+}
+
+TEST(CArchiveObjects, IndicesAboveTheSmallRangeUseTheBigTagForObjectsAndClasses)
+{
+    std::vector<ArPoint> pad(0x7FFD); // indices 1 to 0x7FFD
+    ArPoint m, a, b;
+    a.m_x = 10;
+    b.m_x = 20;
+    const Bytes bytes = Store([&](CArchive &ar) {
+        for (const ArPoint &p : pad)
+            ar.MapObject(&p);
+        ar.MapObject(&m); // 0x7FFE, the last small index
+        ar << &m;
+        ar << &a; // class 0x7FFF, object 0x8000
+        ar << &a;
+        ar << &b; // class reference 0x7FFF in the big form, object 0x8001
+        ar << &b;
+    });
+    const Bytes expected = Concat({{0xFE, 0x7F},
+                                   ClassRecord(1, "ArPoint"),
+                                   {10, 0, 0, 0, 0, 0, 0, 0},
+                                   {0xFF, 0x7F, 0x00, 0x80, 0x00, 0x00},
+                                   {0xFF, 0x7F, 0xFF, 0x7F, 0x00, 0x80},
+                                   {20, 0, 0, 0, 0, 0, 0, 0},
+                                   {0xFF, 0x7F, 0x01, 0x80, 0x00, 0x00}});
+    EXPECT_EQ(bytes, expected);
+
+    std::vector<ArPoint> padIn(pad.size());
+    ArPoint mIn;
+    Load(bytes, [&](CArchive &ar) {
+        for (const ArPoint &p : padIn)
+            ar.MapObject(&p);
+        ar.MapObject(&mIn);
+        CObject *m1, *a1, *a2, *b1, *b2;
+        ar >> m1 >> a1 >> a2 >> b1 >> b2;
+        EXPECT_EQ(m1, &mIn);
+        EXPECT_EQ(a1, a2);
+        EXPECT_EQ(b1, b2);
+        EXPECT_NE(a1, b1);
+        EXPECT_EQ(static_cast<ArPoint *>(a1)->m_x, 10);
+        EXPECT_EQ(static_cast<ArPoint *>(b1)->m_x, 20);
+        EXPECT_EQ(ar.GetLoadedObjects().size(), 2u);
+    });
+}
+
+TEST(CArchiveObjects, MappingAnObjectAgainTakesANewIndex)
+{
+    ArPoint p;
+    const Bytes bytes = Store([&](CArchive &ar) {
+        ar.MapObject(&p);
+        ar.MapObject(&p);
+        ar << &p;
+    });
+    EXPECT_EQ(bytes, (Bytes{0x02, 0x00}));
+}
+
+TEST(CArchiveObjects, SharedAndCyclicGraphsComeBackAsOneObjectEach)
+{
+    ArNode root, c1, c2;
+    root.m_children = {&c1, &c2};
+    c2.m_children = {&c1}; // c1 has two parents
+    c1.m_pLink = &c1;      // itself
+    c2.m_pLink = &root;    // an ancestor
+    root.m_pLink = &c2;
+    c1.m_value = 1;
+    c2.m_value = 2;
+    root.m_value = 3;
+    const Bytes bytes = Store([&](CArchive &ar) { ar << &root; });
+
+    Load(bytes, [](CArchive &ar) {
+        ArNode *r;
+        ar >> r;
+        ASSERT_EQ(ar.GetLoadedObjects().size(), 3u);
+        ASSERT_EQ(r->m_children.size(), 2u);
+        ArNode *a = r->m_children[0], *b = r->m_children[1];
+        EXPECT_EQ(a->m_value, 1);
+        EXPECT_EQ(b->m_value, 2);
+        EXPECT_EQ(r->m_value, 3);
+        ASSERT_EQ(b->m_children.size(), 1u);
+        EXPECT_EQ(b->m_children[0], a);
+        EXPECT_EQ(a->m_pLink, a);
+        EXPECT_EQ(b->m_pLink, r);
+        EXPECT_EQ(r->m_pLink, b);
+    });
+}
+
+TEST(CArchiveObjects, ARootSavedByItsOwnSerializeIsReferencedNotWrittenAgain)
+{
+    ArNode root, child;
+    root.m_children = {&child};
+    child.m_pLink = &root;
+    const Bytes bytes = Store([&](CArchive &ar) {
+        ar.MapObject(&root);
+        root.Serialize(ar);
+    });
+    // count, child (class 2, object 3, no children, link to root as index 1, value), root's link, value
+    const Bytes expected = Concat({{0x01, 0x00},
+                                   ClassRecord(1, "ArNode"),
+                                   {0x00, 0x00, 0x01, 0x00, 0, 0, 0, 0},
+                                   {0x00, 0x00, 0, 0, 0, 0}});
+    EXPECT_EQ(bytes, expected);
+
+    ArNode loadedRoot;
+    Load(bytes, [&](CArchive &ar) {
+        ar.MapObject(&loadedRoot);
+        loadedRoot.Serialize(ar);
+        ASSERT_EQ(loadedRoot.m_children.size(), 1u);
+        EXPECT_EQ(loadedRoot.m_children[0]->m_pLink, &loadedRoot);
+        EXPECT_EQ(ar.GetLoadedObjects(), (std::vector<CObject *>{loadedRoot.m_children[0]}));
+    });
+}
+
+TEST(CArchiveObjects, AVersionableClassLoadsAnOlderSchemaAndHandsItToTheRecord)
+{
+    // Two objects stored by an older writer (schema 1: m_a only); the second
+    // refers to the class, and still gets schema 1.
+    const Bytes old = Concat({ClassRecord(1, "ArVersioned"), {0x11, 0x00}, {0x01, 0x80, 0x22, 0x00}});
+    Load(old, [](CArchive &ar) {
+        ArVersioned *a, *b;
+        ar >> a >> b;
+        EXPECT_EQ(a->m_loadedSchema, 1u);
+        EXPECT_EQ(a->m_a, 0x11);
+        EXPECT_EQ(a->m_b, 0xBBBB);
+        EXPECT_EQ(b->m_loadedSchema, 1u);
+        EXPECT_EQ(b->m_a, 0x22);
+        // The schema can be asked once per record.
+        EXPECT_EQ(a->m_secondAsk, (UINT)-1);
+        EXPECT_EQ(ar.GetBytesRemaining(), 0u);
+    });
+
+    ArVersioned v;
+    v.m_a = 5;
+    v.m_b = 6;
+    const Bytes current = Store([&](CArchive &ar) { ar << &v; });
+    EXPECT_EQ(current, Concat({ClassRecord(3, "ArVersioned"), {5, 0, 6, 0}}));
+    Load(current, [](CArchive &ar) {
+        ArVersioned *a;
+        ar >> a;
+        EXPECT_EQ(a->m_loadedSchema, 3u);
+        EXPECT_EQ(a->m_b, 6);
+    });
+}
+
+TEST(CArchiveObjects, AClassThatIsNotSerializableIsRefusedWhenWritten)
+{
+    ArDynamic d;
+    EXPECT_THROW(Store([&](CArchive &ar) { ar << &d; }), CNotSupportedException);
+    EXPECT_THROW(Store([&](CArchive &ar) { ar.WriteClass(RUNTIME_CLASS(ArAbstract)); }), CNotSupportedException);
+    ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally longName;
+    EXPECT_EQ(CauseOf([&] { Store([&](CArchive &ar) { ar << &longName; }); }), CArchiveException::badClass);
+}
+
+TEST(CArchiveObjects, WriteClassAndReadClassRoundTripWithSchema)
+{
+    const Bytes bytes = Store([](CArchive &ar) {
+        ar.WriteClass(RUNTIME_CLASS(ArVersioned));
+        ar.WriteClass(RUNTIME_CLASS(ArVersioned));
+        ar.SerializeClass(RUNTIME_CLASS(ArPoint));
+    });
+    EXPECT_EQ(bytes, Concat({ClassRecord(3, "ArVersioned"), {0x01, 0x80}, ClassRecord(1, "ArPoint")}));
+    Load(bytes, [](CArchive &ar) {
+        UINT schema = 0;
+        EXPECT_EQ(ar.ReadClass(nullptr, &schema), RUNTIME_CLASS(ArVersioned));
+        EXPECT_EQ(schema, 3u);
+        EXPECT_EQ(ar.ReadClass(RUNTIME_CLASS(ArVersioned)), RUNTIME_CLASS(ArVersioned));
+        EXPECT_EQ(ar.GetObjectSchema(), 3u);
+        ar.SerializeClass(RUNTIME_CLASS(ArPoint));
+    });
+}
+
+// ---- Failures ---------------------------------------------------------------------------
+
+TEST(CArchiveObjects, EachKindOfBadStreamRaisesItsCause)
+{
+    const Bytes point = Concat({ClassRecord(1, "ArPoint"), Bytes(8, 0)}); // class 1, object 2
+    auto readAs = [](const CRuntimeClass *pClass, int n = 1) {
+        return [=](CArchive &ar) {
+            for (int i = 0; i < n; ++i)
+                ar.ReadObject(pClass);
+        };
+    };
+    struct Case
+    {
+        const char *fault;
+        Bytes bytes;
+        std::function<void(CArchive &)> read;
+        int cause;
+    };
+    const std::vector<Case> cases = {
+        {"unknown class name", Concat({ClassRecord(1, "ArNoSuch"), Bytes(8, 0)}), readAs(nullptr),
+         CArchiveException::badClass},
+        {"class of another branch", point, readAs(RUNTIME_CLASS(ArOther)), CArchiveException::badClass},
+        {"base where a derived class is expected", point, readAs(RUNTIME_CLASS(ArLabel)), CArchiveException::badClass},
+        {"back reference to an object of another class",
+         Concat({ClassRecord(1, "ArOther"), {0x02, 0x00}}),
+         [](CArchive &ar) {
+             ar.ReadObject(RUNTIME_CLASS(ArOther));
+             ar.ReadObject(RUNTIME_CLASS(ArPoint));
+         },
+         CArchiveException::badClass},
+        {"class that can't be created", ClassRecord(0xFFFF, "ArAbstract"), readAs(nullptr), CArchiveException::badClass},
+        {"class that is not serializable", ClassRecord(0xFFFF, "ArDynamic"), readAs(nullptr),
+         CArchiveException::badClass},
+        {"the root class by name", ClassRecord(0xFFFF, "CObject"), readAs(nullptr), CArchiveException::badClass},
+        {"class name longer than the format allows", Concat({{0xFF, 0xFF, 1, 0, 64, 0}, Bytes(64, 'A')}),
+         readAs(nullptr), CArchiveException::badClass},
+        {"class name with a NUL inside", Concat({{0xFF, 0xFF, 1, 0, 8, 0}, Text("ArPoint"), {0}}), readAs(nullptr),
+         CArchiveException::badClass},
+        {"schema mismatch of a fixed class", Concat({ClassRecord(2, "ArPoint"), Bytes(8, 0)}), readAs(nullptr),
+         CArchiveException::badSchema},
+        {"reference to an object not read yet", {0x05, 0x00}, readAs(nullptr), CArchiveException::badIndex},
+        {"big reference to an object not read yet", {0xFF, 0x7F, 0x00, 0x00, 0x01, 0x00}, readAs(nullptr),
+         CArchiveException::badIndex},
+        {"class reference to index 0", {0x00, 0x80}, readAs(nullptr), CArchiveException::badIndex},
+        {"class reference to nothing", {0x07, 0x80}, readAs(nullptr), CArchiveException::badIndex},
+        {"big class reference to nothing", {0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0xFF}, readAs(nullptr),
+         CArchiveException::badIndex},
+        {"class reference to an object", Concat({point, {0x02, 0x80}}), readAs(nullptr, 2),
+         CArchiveException::badIndex},
+        {"object reference to a class", Concat({point, {0x01, 0x00}}), readAs(nullptr, 2),
+         CArchiveException::badIndex},
+        {"object where only a class may stand", point,
+         [](CArchive &ar) {
+             ar.ReadClass();
+             ar.ReadObject(nullptr); // fields of the point as a tag: 0 is null, fine
+             ar.ReadClass();         // 0x0000 again: an object tag
+         },
+         CArchiveException::badIndex},
+        {"stream ends inside a tag", {0xFF}, readAs(nullptr), CArchiveException::endOfFile},
+        {"stream ends inside a class name", Bytes(point.begin(), point.begin() + 9), readAs(nullptr),
+         CArchiveException::endOfFile},
+        {"stream ends inside the fields", Bytes(point.begin(), point.end() - 1), readAs(nullptr),
+         CArchiveException::endOfFile},
+        {"read from an archive that stores", {}, nullptr, CArchiveException::writeOnly},
+    };
+    for (const Case &c : cases)
+    {
+        int cause;
+        if (c.read)
+            cause = CauseOf([&] { Load(c.bytes, c.read); });
+        else
+            cause = CauseOf([] {
+                CMemFile mem;
+                CArchive ar(&mem, CArchive::store);
+                BYTE b;
+                ar >> b;
+            });
+        EXPECT_EQ(cause, c.cause) << c.fault << ": got " << CArchiveException::CauseName(cause);
+    }
+}
+
+TEST(CArchiveObjects, WritingToALoadingArchiveIsReadOnly)
+{
+    ArPoint p;
+    auto attempt = [&](const std::function<void(CArchive &)> &write) {
+        return CauseOf([&] { Load({0, 0}, write); });
+    };
+    EXPECT_EQ(attempt([](CArchive &ar) { ar << DWORD(1); }), CArchiveException::readOnly);
+    EXPECT_EQ(attempt([&](CArchive &ar) { ar << &p; }), CArchiveException::readOnly);
+    EXPECT_EQ(attempt([](CArchive &ar) { ar.WriteCount(1); }), CArchiveException::readOnly);
+    EXPECT_EQ(attempt([](CArchive &ar) { ar.Write("x", 1); }), CArchiveException::readOnly);
+}
+
+TEST(CArchiveObjects, AClosedArchiveRefusesFurtherUse)
+{
+    CMemFile mem;
+    CArchive ar(&mem, CArchive::store);
+    ar << BYTE(1);
+    ar.Close();
+    EXPECT_EQ(mem.GetLength(), 1u);
+    EXPECT_EQ(CauseOf([&] { ar << BYTE(2); }), CArchiveException::genericException);
+    ar.Close();
+}
+
+TEST(CArchiveObjects, AFailedLoadListsEveryObjectItCreatedInOrder)
+{
+    ArNode root;
+    ArNode first;
+    ArThrower bad;
+    ArNode never;
+    root.m_children = {&first, &bad, &never};
+    const Bytes bytes = Store([&](CArchive &ar) { ar << &root; });
+
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load);
+    try
+    {
+        ar.ReadObject(RUNTIME_CLASS(ArNode));
+        ADD_FAILURE() << "the thrower's record should have failed the load";
+    }
+    catch (const CArchiveException &e)
+    {
+        EXPECT_EQ(e.m_cause, CArchiveException::genericException);
+    }
+    const std::vector<CObject *> &made = ar.GetLoadedObjects();
+    ASSERT_EQ(made.size(), 3u);
+    EXPECT_EQ(made[0]->GetRuntimeClass(), RUNTIME_CLASS(ArNode));
+    EXPECT_EQ(made[1]->GetRuntimeClass(), RUNTIME_CLASS(ArNode));
+    EXPECT_EQ(made[2]->GetRuntimeClass(), RUNTIME_CLASS(ArThrower));
+    EXPECT_EQ(static_cast<ArNode *>(made[0])->m_children, (std::vector<ArNode *>{static_cast<ArNode *>(made[1])}));
+    for (CObject *p : made)
+        delete p;
+}
+
+TEST(CArchiveObjects, NestingBeyondTheDepthLimitFailsCleanlyInsteadOfOverflowingTheStack)
+{
+    // Each node holds one child: count 1, then the child's tag. 5000 levels.
+    Bytes bytes = Concat({ClassRecord(1, "ArNode"), {0x01, 0x00}});
+    for (int i = 0; i < 5000; ++i)
+        bytes.insert(bytes.end(), {0x01, 0x80, 0x01, 0x00});
+    EXPECT_EQ(CauseOf([&] { Load(bytes, [](CArchive &ar) { ar.ReadObject(nullptr); }); }),
+              CArchiveException::genericException);
+
+    // The limit is the caller's to raise or lower.
+    Bytes shallow = Concat({ClassRecord(1, "ArNode"), {0x01, 0x00, 0x01, 0x80, 0x00, 0x00}, Bytes(6, 0), Bytes(6, 0)});
+    Load(shallow, [](CArchive &ar) {
+        ar.SetMaxObjectDepth(2);
+        EXPECT_NE(ar.ReadObject(nullptr), nullptr);
+    });
+    EXPECT_EQ(CauseOf([&] {
+                  Load(shallow, [](CArchive &ar) {
+                      ar.SetMaxObjectDepth(1);
+                      ar.ReadObject(nullptr);
+                  });
+              }),
+              CArchiveException::genericException);
+}
+
+// ---- Files and buffering --------------------------------------------------------------------
+
+TEST(CArchiveFiles, ALoadingArchiveGivesBackUnreadBytesWhenClosed)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        ar << DWORD(1) << DWORD(2) << DWORD(3);
+    }
+    mem.SeekToBegin();
+    {
+        CArchive ar(&mem, CArchive::load);
+        DWORD a;
+        ar >> a;
+        EXPECT_EQ(a, 1u);
+        EXPECT_EQ(ar.GetBytesRemaining(), 8u);
+    }
+    EXPECT_EQ(mem.GetPosition(), 4u);
+    CArchive ar(&mem, CArchive::load);
+    DWORD b, c;
+    ar >> b >> c;
+    EXPECT_EQ(b, 2u);
+    EXPECT_EQ(c, 3u);
+}
+
+TEST(CArchiveFiles, TheDestructorFlushesUnlessToldNotToAndAbortWritesNothing)
+{
+    CMemFile a, b, c;
+    {
+        CArchive ar(&a, CArchive::store);
+        ar << DWORD(7);
+    }
+    {
+        CArchive ar(&b, CArchive::store | CArchive::bNoFlushOnDelete);
+        ar << DWORD(7);
+    }
+    {
+        CArchive ar(&c, CArchive::store);
+        ar << DWORD(7);
+        ar.Abort();
+    }
+    EXPECT_EQ(a.GetLength(), 4u);
+    EXPECT_EQ(b.GetLength(), 0u);
+    EXPECT_EQ(c.GetLength(), 0u);
+}
+
+TEST(CArchiveFiles, AGraphRoundTripsThroughARealFile)
+{
+    const std::string path = ::testing::TempDir() + "/carchive_roundtrip_" + std::to_string(::getpid()) + ".bin";
+    ArNode root, child;
+    root.m_children = {&child};
+    child.m_pLink = &root;
+    child.m_value = 42;
+    {
+        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::typeBinary | CFile::shareDenyNone);
+        CArchive ar(&file, CArchive::store);
+        ar << &root << CString(L"end");
+        ar.Close();
+        file.Close();
+    }
+    {
+        CFile file(path.c_str(), CFile::modeRead);
+        CArchive ar(&file, CArchive::load);
+        EXPECT_EQ(ar.GetBytesRemaining(), file.GetLength());
+        ArNode *r;
+        CString tail;
+        ar >> r >> tail;
+        std::unique_ptr<ArNode> rootOwner(r), childOwner(r->m_children.at(0));
+        EXPECT_EQ(r->m_children[0]->m_value, 42);
+        EXPECT_EQ(r->m_children[0]->m_pLink, r);
+        EXPECT_TRUE(tail == CString(L"end"));
+    }
+    ::unlink(path.c_str());
+}
+
+TEST(CArchiveFiles, ALentBufferIsUsedAndATooSmallOneIsRefused)
+{
+    BYTE buffer[256];
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store, sizeof buffer, buffer);
+        ar << DWORD(0xA1B2C3D4);
+        EXPECT_EQ(buffer[0], 0xD4);
+    }
+    EXPECT_EQ(mem.GetLength(), 4u);
+    EXPECT_THROW((void)CArchive(&mem, CArchive::store, 16, buffer), CInvalidArgException);
+    EXPECT_THROW((void)CArchive(nullptr, CArchive::store), CInvalidArgException);
+}
