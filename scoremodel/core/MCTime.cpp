@@ -1,9 +1,13 @@
 #include <scoremodel/core/MCTime.h>
 
+#include <scoremodel/platform/CArchive.h>
+#include <scoremodel/platform/Exceptions.h>
+
 #include <climits>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <string>
 
 long MCTime::GlobalPPQ = 480;
 
@@ -21,6 +25,23 @@ long TruncateToLong(double x)
     if (x <= -9223372036854775808.0)
         return LONG_MIN;
     return static_cast<long>(x);
+}
+
+// The record of a bar/pulse/tick time is four little-endian int32, whatever
+// the host's byte order.
+void PutInt32(BYTE *out, int value)
+{
+    const auto u = static_cast<std::uint32_t>(value);
+    out[0] = static_cast<BYTE>(u);
+    out[1] = static_cast<BYTE>(u >> 8);
+    out[2] = static_cast<BYTE>(u >> 16);
+    out[3] = static_cast<BYTE>(u >> 24);
+}
+
+int GetInt32(const BYTE *in)
+{
+    return static_cast<int>(static_cast<std::uint32_t>(in[0]) | (static_cast<std::uint32_t>(in[1]) << 8) |
+                            (static_cast<std::uint32_t>(in[2]) << 16) | (static_cast<std::uint32_t>(in[3]) << 24));
 }
 
 // tick / ppq as the bar/pulse/tick comparisons scale it.
@@ -354,4 +375,62 @@ int MCTime::operator<=(const MCTime &b) const
     if (x.ppq <= 0 || y.ppq <= 0)
         return 0;
     return TickFraction(x) <= TickFraction(y);
+}
+
+void MCTime::Serialize(CArchive &ar, int version)
+{
+    if (ar.IsStoring())
+    {
+        // Always the newest layout: the version only matters for loading.
+        ar << m_mode;
+        if (m_mode == TimeModeBarPulseTick)
+        {
+            BYTE raw[16];
+            PutInt32(raw, m_bpt->bar);
+            PutInt32(raw + 4, m_bpt->pulse);
+            PutInt32(raw + 8, m_bpt->tick);
+            PutInt32(raw + 12, m_bpt->ppq);
+            ar.Write(raw, sizeof raw);
+        }
+        else
+            ar << m_value;
+        return;
+    }
+
+    if (version <= 0)
+    {
+        // The oldest documents hold a bare float and no mode byte. The mode
+        // stays, except that a bar/pulse/tick time has no float to take it
+        // and becomes normalized.
+        float value;
+        ar >> value;
+        DropRecord();
+        m_value = value;
+        return;
+    }
+
+    // Everything is read before the object changes further, so a stream that
+    // ends half-way leaves a valid 0.0 behind rather than a dangling record.
+    DropRecord();
+    m_value = 0.0f;
+    m_mode = TimeModeNormalized;
+    BYTE mode;
+    ar >> mode;
+    if (mode == TimeModeBarPulseTick)
+    {
+        BYTE raw[16];
+        ar.Read(raw, sizeof raw);
+        m_bpt = new BPTTime{GetInt32(raw), GetInt32(raw + 4), GetInt32(raw + 8), GetInt32(raw + 12)};
+        m_mode = TimeModeBarPulseTick;
+    }
+    else if (mode == TimeModeNormalized || mode == TimeModeClock)
+    {
+        float value;
+        ar >> value;
+        m_value = value;
+        m_mode = mode;
+    }
+    else
+        throw CArchiveException(CArchiveException::genericException,
+                                "time record with mode " + std::to_string(mode) + ", which no time can have");
 }

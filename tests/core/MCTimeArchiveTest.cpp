@@ -1,0 +1,138 @@
+#include <scoremodel/core/MCTime.h>
+#include <scoremodel/platform/CArchive.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace
+{
+using Bytes = std::vector<BYTE>;
+
+Bytes Store(MCTime t, int version = -1)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        t.Serialize(ar, version);
+        ar.Close();
+    }
+    Bytes out(static_cast<size_t>(mem.GetLength()));
+    mem.SeekToBegin();
+    mem.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+void Load(const Bytes &bytes, MCTime &t, int version)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load);
+    t.Serialize(ar, version);
+}
+
+MCTime Clock(float seconds)
+{
+    MCTime t(seconds);
+    t.SetMode(MCTime::TimeModeClock);
+    return t;
+}
+} // namespace
+
+TEST(MCTimeArchive, RecordLayoutIsModeByteThenFloatOrSixteenRawBytes)
+{
+    struct Row
+    {
+        const char *name;
+        MCTime time;
+        Bytes bytes;
+    } rows[] = {
+        {"normalized 1.5", MCTime(1.5f), {0x00, 0x00, 0x00, 0xC0, 0x3F}},
+        {"clock -2", Clock(-2.0f), {0x03, 0x00, 0x00, 0x00, 0xC0}},
+        {"no time", MCTime::TimeNull(), {0x00, 0xFF, 0xFF, 0x7F, 0xFF}},
+        {"bar/pulse/tick",
+         MCTime(1, 2, 3, 480),
+         {0x02, 0x01, 0, 0, 0, 0x02, 0, 0, 0, 0x03, 0, 0, 0, 0xE0, 0x01, 0, 0}},
+        {"negative fields", MCTime(-1, 0, -2, 0), {0x02, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}},
+    };
+    for (const Row &r : rows)
+    {
+        SCOPED_TRACE(r.name);
+        EXPECT_EQ(Store(r.time), r.bytes);
+        EXPECT_EQ(Store(r.time, 0), r.bytes) << "storing ignores the version";
+    }
+}
+
+TEST(MCTimeArchive, CurrentRecordsComeBackWithTheirMode)
+{
+    const MCTime times[] = {MCTime(0.25f), Clock(12.5f), MCTime(7, 3, 100, 960), MCTime::TimeNull(), MCTime::TimeMax()};
+    for (int version : {1, 20, 0x7FFFFFFF})
+    {
+        for (const MCTime &original : times)
+        {
+            for (const MCTime &start : {MCTime(9.0f), MCTime(4, 4, 4, 4), Clock(1.0f)})
+            {
+                MCTime loaded(start);
+                Load(Store(original), loaded, version);
+                EXPECT_EQ(loaded.GetMode(), original.GetMode());
+                EXPECT_TRUE(loaded == original);
+                EXPECT_EQ(Store(loaded), Store(original));
+            }
+        }
+    }
+}
+
+TEST(MCTimeArchive, OldRecordsAreABareFloatAndKeepTheMode)
+{
+    const Bytes bare = {0x00, 0x00, 0x20, 0x40}; // 2.5f
+    for (int version : {0, -1, -100})
+    {
+        MCTime normalized(1.0f);
+        Load(bare, normalized, version);
+        EXPECT_EQ(normalized.GetMode(), MCTime::TimeModeNormalized);
+        EXPECT_FLOAT_EQ(normalized.GetSeconds(), 2.5f);
+
+        MCTime clock = Clock(1.0f);
+        Load(bare, clock, version);
+        EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
+        EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.5f);
+
+        MCTime bpt(1, 1, 1, 480);
+        Load(bare, bpt, version);
+        EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
+        EXPECT_FLOAT_EQ(bpt.GetSeconds(), 2.5f);
+    }
+}
+
+TEST(MCTimeArchive, TruncatedRecordsThrowEndOfFileAndLeaveAUsableTime)
+{
+    for (const MCTime &original : {MCTime(1.5f), MCTime(1, 2, 3, 480)})
+    {
+        const Bytes full = Store(original);
+        for (size_t cut = 0; cut < full.size(); ++cut)
+        {
+            SCOPED_TRACE(cut);
+            MCTime loaded(5, 5, 5, 5);
+            try
+            {
+                Load(Bytes(full.begin(), full.begin() + static_cast<long>(cut)), loaded, 1);
+                ADD_FAILURE() << "a truncated record loaded";
+            }
+            catch (const CArchiveException &e)
+            {
+                EXPECT_EQ(e.m_cause, CArchiveException::endOfFile);
+            }
+            MCTime copy(loaded); // still a valid value
+            EXPECT_NE(loaded.GetMode(), 1);
+        }
+    }
+}
+
+TEST(MCTimeArchive, AModeNoTimeCanHaveIsRejected)
+{
+    for (BYTE mode : {BYTE(1), BYTE(4), BYTE(0xFF)})
+    {
+        MCTime loaded(2.0f);
+        EXPECT_THROW(Load(Bytes{mode, 0, 0, 0x80, 0x3F}, loaded, 1), CArchiveException) << int(mode);
+        EXPECT_EQ(loaded.GetMode(), MCTime::TimeModeNormalized);
+    }
+}
