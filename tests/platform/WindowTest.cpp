@@ -1,0 +1,505 @@
+#include <scoremodel/platform/MCMessageLoop.h>
+#include <scoremodel/platform/Window.h>
+
+#include "platform/RecordingWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include <poll.h>
+
+namespace
+{
+// Blocks until something is queued for the calling thread.
+void WaitUntilWorkArrives()
+{
+    struct pollfd p = {MCMessageLoop::GetWakeupFd(), POLLIN, 0};
+    ASSERT_GE(p.fd, 0);
+    ASSERT_EQ(poll(&p, 1, -1), 1);
+}
+
+LRESULT RefusingProc(HWND hWnd, UINT msg, WPARAM wParam, LPARAM lParam)
+{
+    // lpCreateParams says which creation message to refuse.
+    if (msg == WM_NCCREATE || msg == WM_CREATE)
+    {
+        auto *cs = reinterpret_cast<CREATESTRUCTW *>(lParam);
+        UINT refuse = (UINT)(UINT_PTR)cs->lpCreateParams;
+        if (msg == refuse)
+            return msg == WM_NCCREATE ? FALSE : -1;
+    }
+    return DefWindowProcW(hWnd, msg, wParam, lParam);
+}
+
+struct LifeLog
+{
+    std::vector<UINT> messages;
+    CREATESTRUCTW create = {};
+    std::wstring name;
+};
+LifeLog *s_lifeLog = nullptr;
+
+LRESULT LifeProc(HWND hWnd, UINT msg, WPARAM wParam, LPARAM lParam)
+{
+    if (msg == WM_NCCREATE || msg == WM_CREATE || msg == WM_DESTROY || msg == WM_NCDESTROY)
+    {
+        s_lifeLog->messages.push_back(msg);
+        if (msg == WM_CREATE)
+        {
+            s_lifeLog->create = *reinterpret_cast<CREATESTRUCTW *>(lParam);
+            s_lifeLog->name = s_lifeLog->create.lpszName;
+        }
+    }
+    return DefWindowProcW(hWnd, msg, wParam, lParam);
+}
+
+ATOM RegisterTestClass(LPCWSTR name, WNDPROC proc)
+{
+    WNDCLASSW wc = {};
+    wc.lpfnWndProc = proc;
+    wc.lpszClassName = name;
+    return RegisterClassW(&wc);
+}
+} // namespace
+
+// ---- Sent and posted --------------------------------------------------------
+
+TEST(Window, SentMessagesRunAtOncePostedOnesWaitForThePumpInOrder)
+{
+    DrainQueue();
+    RecordingWindow w;
+    w.answer = [](HWND, UINT msg, WPARAM, LPARAM) { return (LRESULT)msg * 2; };
+
+    EXPECT_TRUE(PostMessageW(w.hWnd(), WM_USER + 1, 1, 10));
+    EXPECT_EQ(SendMessageW(w.hWnd(), WM_USER + 2, 2, 20), (LRESULT)(WM_USER + 2) * 2);
+    EXPECT_TRUE(PostMessageW(w.hWnd(), WM_USER + 3, 3, 30));
+    ASSERT_EQ(w.Numbers(), std::vector<UINT>({WM_USER + 2}));
+
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 2);
+    EXPECT_EQ(w.messages, (std::vector<DeliveredMessage>{
+                              {WM_USER + 2, 2, 20, 0}, {WM_USER + 1, 1, 10, 0}, {WM_USER + 3, 3, 30, 0}}));
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 0);
+}
+
+TEST(Window, SendFromAnotherThreadBlocksUntilTheOwnerPumpsThenReturnsTheResult)
+{
+    DrainQueue();
+    RecordingWindow w;
+    w.answer = [](HWND, UINT, WPARAM wParam, LPARAM lParam) { return (LRESULT)(wParam + lParam); };
+
+    std::atomic<bool> returned{false};
+    LRESULT result = 0;
+    std::thread sender([&] {
+        result = SendMessageW(w.hWnd(), WM_USER, 40, 2);
+        returned = true;
+    });
+    WaitUntilWorkArrives();
+    // The message is queued and nobody has pumped: the sender must still wait.
+    EXPECT_FALSE(returned);
+    EXPECT_TRUE(w.messages.empty());
+
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 1);
+    sender.join();
+    EXPECT_TRUE(returned);
+    EXPECT_EQ(result, 42);
+    ASSERT_EQ(w.messages.size(), 1u);
+    EXPECT_EQ(w.messages[0].thread, GetCurrentThreadId()) << "the procedure ran on the sender's thread";
+}
+
+TEST(Window, ThreadsSendingToEachOtherDoNotDeadlock)
+{
+    DrainQueue();
+    // The main thread's procedure, while handling the other thread's send,
+    // sends back to a window of that thread, which is blocked in its own send.
+    std::promise<HWND> otherWindow;
+    std::future<HWND> otherWindowReady = otherWindow.get_future();
+    HWND other = nullptr;
+    RecordingWindow mine;
+    mine.answer = [&](HWND, UINT, WPARAM, LPARAM) { return SendMessageW(other, WM_USER + 1, 0, 0) + 1; };
+
+    std::atomic<bool> done{false};
+    LRESULT result = 0;
+    std::thread peer([&] {
+        RecordingWindow theirs;
+        theirs.answer = [](HWND, UINT, WPARAM, LPARAM) { return (LRESULT)41; };
+        otherWindow.set_value(theirs.hWnd());
+        result = SendMessageW(mine.hWnd(), WM_USER, 0, 0);
+        done = true;
+    });
+    other = otherWindowReady.get();
+    while (!done)
+        MCMessageLoop::RunFor(5);
+    peer.join();
+    EXPECT_EQ(result, 42);
+}
+
+TEST(Window, ExceptionInACrossThreadSendReachesTheOwnerAndTheSenderGetsZero)
+{
+    DrainQueue();
+    RecordingWindow w;
+    w.answer = [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { throw std::runtime_error("procedure failed"); };
+    LRESULT result = -1;
+    std::thread sender([&] { result = SendMessageW(w.hWnd(), WM_USER, 0, 0); });
+    WaitUntilWorkArrives();
+    EXPECT_THROW(MCMessageLoop::ProcessPending(), std::runtime_error);
+    sender.join();
+    EXPECT_EQ(result, 0);
+}
+
+// ---- Destroyed windows --------------------------------------------------------
+
+TEST(Window, PostingToADestroyedWindowFailsAndDeliversNothing)
+{
+    DrainQueue();
+    RecordingWindow w;
+    HWND h = w.hWnd();
+    ASSERT_TRUE(IsWindow(h));
+    ASSERT_TRUE(DestroyWindow(h));
+
+    EXPECT_FALSE(IsWindow(h));
+    EXPECT_FALSE(PostMessageW(h, WM_USER, 0, 0));
+    EXPECT_EQ(SendMessageW(h, WM_USER, 0, 0), 0);
+    EXPECT_EQ(SetTimer(h, 1, 10, nullptr), 0u);
+    EXPECT_FALSE(DestroyWindow(h)) << "a second destroy of the same handle";
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 0);
+    EXPECT_TRUE(w.messages.empty());
+}
+
+TEST(Window, MessagesQueuedForAWindowDestroyedBeforeDeliveryAreDropped)
+{
+    DrainQueue();
+    RecordingWindow doomed, survivor;
+    PostMessageW(doomed.hWnd(), WM_USER + 1, 0, 0);
+    PostMessageW(survivor.hWnd(), WM_USER + 2, 0, 0);
+    PostMessageW(doomed.hWnd(), WM_USER + 3, 0, 0);
+    DestroyWindow(doomed.hWnd());
+
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 1);
+    EXPECT_TRUE(doomed.messages.empty());
+    EXPECT_EQ(survivor.Numbers(), std::vector<UINT>({WM_USER + 2}));
+}
+
+TEST(Window, AProcedureThatDestroysItsWindowDropsWhatIsStillQueuedForIt)
+{
+    DrainQueue();
+    RecordingWindow w;
+    w.answer = [](HWND hWnd, UINT, WPARAM, LPARAM) {
+        DestroyWindow(hWnd);
+        return (LRESULT)0;
+    };
+    for (int i = 0; i < 3; ++i)
+        PostMessageW(w.hWnd(), WM_USER + i, 0, 0);
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 1);
+    EXPECT_EQ(w.Numbers(), std::vector<UINT>({WM_USER}));
+}
+
+TEST(Window, ASenderWaitingOnAWindowThatIsDestroyedGetsZero)
+{
+    DrainQueue();
+    RecordingWindow w;
+    w.answer = [](HWND, UINT, WPARAM, LPARAM) { return (LRESULT)7; };
+    std::atomic<bool> returned{false};
+    LRESULT result = -1;
+    std::thread sender([&] {
+        result = SendMessageW(w.hWnd(), WM_USER, 0, 0);
+        returned = true;
+    });
+    WaitUntilWorkArrives();
+    EXPECT_FALSE(returned);
+    DestroyWindow(w.hWnd());
+    sender.join();
+    EXPECT_EQ(result, 0);
+    EXPECT_TRUE(w.messages.empty());
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 0);
+}
+
+TEST(Window, AStaleHandleNeverNamesANewerWindow)
+{
+    std::vector<HWND> seen;
+    for (int i = 0; i < 50; ++i)
+    {
+        RecordingWindow w;
+        for (HWND old : seen)
+            ASSERT_NE(old, w.hWnd());
+        seen.push_back(w.hWnd());
+    }
+    for (HWND old : seen)
+        EXPECT_FALSE(IsWindow(old));
+}
+
+TEST(Window, OnlyTheOwnerThreadCanDestroyAWindow)
+{
+    RecordingWindow w;
+    BOOL destroyed = TRUE;
+    DWORD ownerSeen = 0;
+    std::thread other([&] {
+        destroyed = DestroyWindow(w.hWnd());
+        ownerSeen = GetWindowThreadProcessId(w.hWnd(), nullptr);
+    });
+    other.join();
+    EXPECT_FALSE(destroyed);
+    EXPECT_TRUE(IsWindow(w.hWnd()));
+    EXPECT_EQ(ownerSeen, GetCurrentThreadId());
+}
+
+TEST(Window, WindowsOfAThreadThatEndsAreGone)
+{
+    HWND orphan = nullptr;
+    std::unique_ptr<RecordingWindow> kept; // outlives its thread, which never destroys the window
+    std::thread owner([&] {
+        kept = std::make_unique<RecordingWindow>();
+        orphan = kept->hWnd();
+        PostMessageW(orphan, WM_USER, 0, 0);
+        SetTimer(orphan, 1, 10, nullptr);
+    });
+    owner.join();
+    EXPECT_FALSE(IsWindow(orphan));
+    EXPECT_FALSE(PostMessageW(orphan, WM_USER, 0, 0));
+    EXPECT_EQ(SendMessageW(orphan, WM_USER, 0, 0), 0) << "a send to it must not block";
+}
+
+// ---- Creation and classes -------------------------------------------------------
+
+TEST(Window, CreationAndDestructionMessagesComeInOrderWithTheirArguments)
+{
+    ASSERT_NE(RegisterTestClass(L"LifeWindow", LifeProc), 0);
+    LifeLog log;
+    s_lifeLog = &log;
+    int param = 0;
+    HWND h = CreateWindowExW(7, L"lifewindow", L"title", 3, 1, 2, 30, 40, HWND_MESSAGE, nullptr, nullptr, &param);
+    ASSERT_TRUE(h) << "class names compare without regard to case";
+    EXPECT_EQ(log.create.lpCreateParams, &param);
+    EXPECT_EQ(log.create.hwndParent, HWND_MESSAGE);
+    EXPECT_EQ(log.create.x, 1);
+    EXPECT_EQ(log.create.y, 2);
+    EXPECT_EQ(log.create.cx, 30);
+    EXPECT_EQ(log.create.cy, 40);
+    EXPECT_EQ(log.create.dwExStyle, 7u);
+    EXPECT_EQ(log.name, L"title");
+    EXPECT_TRUE(DestroyWindow(h));
+    EXPECT_EQ(log.messages, std::vector<UINT>({WM_NCCREATE, WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
+    s_lifeLog = nullptr;
+    EXPECT_TRUE(UnregisterClassW(L"LifeWindow", nullptr));
+}
+
+TEST(Window, AProcedureCanRefuseItsWindow)
+{
+    ASSERT_NE(RegisterTestClass(L"RefusingWindow", RefusingProc), 0);
+    for (UINT refuse : {(UINT)WM_NCCREATE, (UINT)WM_CREATE})
+    {
+        HWND h = CreateWindowExW(0, L"RefusingWindow", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                                 (LPVOID)(UINT_PTR)refuse);
+        EXPECT_EQ(h, nullptr) << "refused at message " << refuse;
+    }
+    EXPECT_TRUE(UnregisterClassW(L"RefusingWindow", nullptr)) << "a refused window must not linger";
+}
+
+TEST(Window, ClassRegistrationRejectsDuplicatesAndBadArguments)
+{
+    ATOM atom = RegisterTestClass(L"OnceOnly", DefWindowProcW);
+    ASSERT_NE(atom, 0);
+    EXPECT_EQ(RegisterTestClass(L"ONCEONLY", DefWindowProcW), 0);
+    EXPECT_EQ(RegisterTestClass(L"", DefWindowProcW), 0);
+    EXPECT_EQ(RegisterTestClass(nullptr, DefWindowProcW), 0);
+    EXPECT_EQ(RegisterTestClass(L"NoProc", nullptr), 0);
+    EXPECT_EQ(RegisterClassW(nullptr), 0);
+
+    EXPECT_EQ(CreateWindowExW(0, L"NoSuchClass", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr),
+              nullptr);
+    EXPECT_EQ(CreateWindowExW(0, nullptr, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr), nullptr);
+
+    HWND h = CreateWindowExW(0, MAKEINTATOM(atom), L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    ASSERT_TRUE(h) << "a class is also found by its atom";
+    EXPECT_FALSE(UnregisterClassW(L"OnceOnly", nullptr)) << "a window of the class still exists";
+    DestroyWindow(h);
+    EXPECT_TRUE(UnregisterClassW(L"OnceOnly", nullptr));
+    EXPECT_FALSE(UnregisterClassW(L"OnceOnly", nullptr));
+}
+
+TEST(Window, DestroyingAParentDestroysItsChildrenAndABadParentIsRefused)
+{
+    RecordingWindow parent;
+    RecordingWindow child(parent.hWnd());
+    RecordingWindow grandchild(child.hWnd());
+    ASSERT_TRUE(IsWindow(grandchild.hWnd()));
+    DestroyWindow(parent.hWnd());
+    EXPECT_FALSE(IsWindow(child.hWnd()));
+    EXPECT_FALSE(IsWindow(grandchild.hWnd()));
+
+    RecordingWindow orphan(parent.hWnd());
+    EXPECT_EQ(orphan.hWnd(), nullptr) << "the parent is gone";
+}
+
+TEST(Window, UserDataRoundTripsAndOtherSlotsStoreNothing)
+{
+    RecordingWindow w; // uses the slot itself; take it over for the test
+    HWND h = w.hWnd();
+    LONG_PTR before = SetWindowLongPtrW(h, GWLP_USERDATA, 1234);
+    EXPECT_EQ(before, (LONG_PTR)&w);
+    EXPECT_EQ(GetWindowLongPtrW(h, GWLP_USERDATA), 1234);
+    EXPECT_EQ(SetWindowLongPtrW(h, 8, 99), 0);
+    EXPECT_EQ(GetWindowLongPtrW(h, 8), 0);
+    SetWindowLongPtrW(h, GWLP_USERDATA, before);
+    EXPECT_EQ(GetWindowLongPtrW(nullptr, GWLP_USERDATA), 0);
+}
+
+TEST(Window, NullAndMessageParentHandlesAreNotWindows)
+{
+    EXPECT_FALSE(IsWindow(nullptr));
+    EXPECT_FALSE(IsWindow(HWND_MESSAGE));
+    EXPECT_FALSE(PostMessageW(nullptr, WM_USER, 0, 0)) << "thread messages are not supported";
+    EXPECT_EQ(SendMessageW(HWND_MESSAGE, WM_USER, 0, 0), 0);
+    EXPECT_FALSE(DestroyWindow(nullptr));
+    EXPECT_EQ(GetWindowThreadProcessId(nullptr, nullptr), 0u);
+}
+
+TEST(Window, ThreadIdsDifferBetweenThreadsAndAreNeverZero)
+{
+    DWORD mine = GetCurrentThreadId();
+    DWORD theirs = 0;
+    std::thread([&] { theirs = GetCurrentThreadId(); }).join();
+    EXPECT_NE(mine, 0u);
+    EXPECT_NE(theirs, 0u);
+    EXPECT_NE(mine, theirs);
+    EXPECT_EQ(mine, GetCurrentThreadId());
+}
+
+// ---- Timers ------------------------------------------------------------------
+
+namespace
+{
+typedef std::chrono::steady_clock Clock;
+
+long long MsSince(Clock::time_point start)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+}
+
+std::atomic<int> s_timerCallbacks{0};
+void CountingTimerProc(HWND, UINT msg, UINT_PTR id, DWORD)
+{
+    if (msg == WM_TIMER && id == 9)
+        ++s_timerCallbacks;
+}
+} // namespace
+
+TEST(WindowTimer, FirstTimerMessageComesOnePeriodAfterSetTimerAndNotBefore)
+{
+    DrainQueue();
+    RecordingWindow w;
+    Clock::time_point set = Clock::now();
+    ASSERT_EQ(SetTimer(w.hWnd(), 5, 60, nullptr), 5u);
+    while (w.messages.empty())
+        MCMessageLoop::RunFor(5);
+    EXPECT_GE(MsSince(set), 60);
+    EXPECT_EQ(w.messages[0].msg, (UINT)WM_TIMER);
+    EXPECT_EQ(w.messages[0].wParam, 5u);
+}
+
+TEST(WindowTimer, LaterPostsDoNotRestartTheTimer)
+{
+    // A stream of messages, one every few milliseconds, must not hold the
+    // timer off: it keeps the clock of the moment it was set.
+    DrainQueue();
+    RecordingWindow w;
+    ASSERT_TRUE(SetTimer(w.hWnd(), 1, 40, nullptr));
+    int posts = 0;
+    for (int i = 0; i < 400 && w.Count(WM_TIMER) == 0; ++i)
+    {
+        PostMessageW(w.hWnd(), WM_USER, 0, 0);
+        ++posts;
+        MCMessageLoop::RunFor(5);
+    }
+    EXPECT_EQ(w.Count(WM_TIMER), 1) << "after " << posts << " posts";
+    EXPECT_GE(posts, 2);
+}
+
+TEST(WindowTimer, MissedPeriodsDoNotPileUp)
+{
+    DrainQueue();
+    RecordingWindow w;
+    SetTimer(w.hWnd(), 1, 50, nullptr);
+    std::this_thread::sleep_for(std::chrono::milliseconds(6 * 50));
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 1);
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 0) << "the next one is a period away";
+    EXPECT_EQ(w.Count(WM_TIMER), 1);
+}
+
+TEST(WindowTimer, FiresAtMostOncePerPeriodWhilePumped)
+{
+    DrainQueue();
+    RecordingWindow w;
+    Clock::time_point set = Clock::now();
+    SetTimer(w.hWnd(), 1, 20, nullptr);
+    int delivered = MCMessageLoop::RunFor(210);
+    long long elapsed = MsSince(set);
+    EXPECT_EQ(delivered, w.Count(WM_TIMER));
+    EXPECT_GE(w.Count(WM_TIMER), 1);
+    EXPECT_LE(w.Count(WM_TIMER), elapsed / 20);
+}
+
+TEST(WindowTimer, KillTimerStopsItForGood)
+{
+    DrainQueue();
+    RecordingWindow w;
+    SetTimer(w.hWnd(), 3, USER_TIMER_MINIMUM, nullptr);
+    while (w.messages.empty())
+        MCMessageLoop::RunFor(5);
+    EXPECT_TRUE(KillTimer(w.hWnd(), 3));
+    EXPECT_EQ(MCMessageLoop::GetNextTimerDelay(), -1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(3 * USER_TIMER_MINIMUM));
+    EXPECT_EQ(MCMessageLoop::ProcessPending(), 0);
+    EXPECT_EQ(w.Count(WM_TIMER), 1);
+    EXPECT_FALSE(KillTimer(w.hWnd(), 3)) << "it is not running any more";
+}
+
+TEST(WindowTimer, SettingARunningIdAgainRestartsItsClock)
+{
+    DrainQueue();
+    RecordingWindow w;
+    SetTimer(w.hWnd(), 1, 400, nullptr);
+    std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    ASSERT_LE(MCMessageLoop::GetNextTimerDelay(), 150);
+    SetTimer(w.hWnd(), 1, 400, nullptr);
+    EXPECT_GT(MCMessageLoop::GetNextTimerDelay(), 150);
+    KillTimer(w.hWnd(), 1);
+    EXPECT_EQ(MCMessageLoop::GetNextTimerDelay(), -1) << "replaced, not added";
+}
+
+TEST(WindowTimer, ACallbackRunsInsteadOfTheWindowProcedure)
+{
+    DrainQueue();
+    RecordingWindow w;
+    s_timerCallbacks = 0;
+    SetTimer(w.hWnd(), 9, USER_TIMER_MINIMUM, CountingTimerProc);
+    while (s_timerCallbacks == 0)
+        MCMessageLoop::RunFor(5);
+    EXPECT_EQ(w.Count(WM_TIMER), 0);
+    KillTimer(w.hWnd(), 9);
+}
+
+TEST(WindowTimer, DestroyingTheWindowStopsItsTimers)
+{
+    DrainQueue();
+    {
+        RecordingWindow w;
+        SetTimer(w.hWnd(), 1, 100, nullptr);
+        SetTimer(w.hWnd(), 2, 200, nullptr);
+        EXPECT_GE(MCMessageLoop::GetNextTimerDelay(), 0);
+    }
+    EXPECT_EQ(MCMessageLoop::GetNextTimerDelay(), -1);
+}
+
+TEST(WindowTimer, TimerIdZeroAndUnknownWindowsAreRefused)
+{
+    RecordingWindow w;
+    EXPECT_EQ(SetTimer(w.hWnd(), 0, 10, nullptr), 0u);
+    EXPECT_EQ(SetTimer(nullptr, 1, 10, nullptr), 0u);
+    EXPECT_FALSE(KillTimer(w.hWnd(), 1));
+    EXPECT_FALSE(KillTimer(nullptr, 1));
+}
