@@ -35,7 +35,6 @@ void CPtrArray::Serialize(CArchive &)
 
 void CObArray::Serialize(CArchive &ar)
 {
-#if CARRAY_HAS_ARCHIVE
     CObject::Serialize(ar);
     if (ar.IsStoring())
     {
@@ -45,13 +44,10 @@ void CObArray::Serialize(CArchive &ar)
     }
     else
     {
-        LoadInChunks(ar, [&ar](CObject **pElements, INT_PTR nCount) {
+        // Each element is at least a WORD tag.
+        LoadInChunks(ar, 2, [&ar](CObject **pElements, INT_PTR nCount) {
             for (INT_PTR i = 0; i < nCount; i++)
                 pElements[i] = ar.ReadObject(nullptr);
         });
     }
-#else
-    (void)ar;
-    throw CNotSupportedException("no archive support");
-#endif
 }

@@ -32,27 +32,22 @@
 //
 // Archive. Serialize writes the element count with the archive's WriteCount,
 // then the elements (see SerializeElements). Loading never trusts the count
-// for memory: the array grows only as the archive actually delivers elements,
-// so a corrupt count ends in CArchiveException (endOfFile), not in a huge
-// allocation. Arrays are not copyable (the platform's are not either); they
-// move.
+// for memory: a count that the bytes left in the archive cannot hold is
+// refused at once, and where the archive cannot tell (a pipe) the array grows
+// only as elements actually arrive. Either way a corrupt count ends in
+// CArchiveException endOfFile, not in a huge allocation.
+//
+// Arrays are not copyable (the platform's are not either); they move, and
+// the source is left empty.
 #pragma once
 
-#if __has_include(<scoremodel/platform/CArchive.h>)
 #include <scoremodel/platform/CArchive.h>
-#define CARRAY_HAS_ARCHIVE 1
-#else
-#define CARRAY_HAS_ARCHIVE 0
-class CArchive;
-#endif
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/platform/Types.h>
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <type_traits>
@@ -65,22 +60,26 @@ class CArchive;
 // Throws CArchiveException(endOfFile): the archive ended inside an array.
 [[noreturn]] void CArrayThrowEndOfFile();
 
-#if CARRAY_HAS_ARCHIVE
 // ---- Element serialization ---------------------------------------------------
 
 // How many elements a load reads before it grows the array again. Growth
-// follows the data actually read, so this only bounds memory taken on trust.
+// follows the data actually read, so this bounds the memory taken on trust
+// when the archive cannot tell how many bytes are left (a pipe).
 inline constexpr INT_PTR kArrayLoadChunk = 16384;
 
 // Stores or loads nCount elements of an array whose memory is already sized.
-// The default layout is the platform's: a number or enum is its bytes,
-// little-endian, written as one block; a class with archive operators goes
-// through them (CString); any other plain record is its raw memory. Specialise
-// this template for a record that needs another layout, before the array of
-// that type is first used.
+// The default layout is the platform's:
+// - a number, bool or enum is its memory, little-endian, written as one block
+//   (long and unsigned long go through the archive's operators, which give
+//   them the platform's 4 bytes);
+// - a class with archive operators goes through them (CString, CStringA);
+// - any other trivially copyable record is its memory, byte for byte.
+// Specialise this template for a record that needs another layout, before
+// the array of that type is first used.
 //
 // Pointers have no archive layout: an array of pointers with elements throws
 // CNotSupportedException (archive objects through CObArray and WriteObject).
+// A load that runs out of bytes throws CArchiveException endOfFile.
 template <class TYPE>
 void SerializeElements(CArchive &ar, TYPE *pElements, INT_PTR nCount);
 
@@ -92,69 +91,38 @@ concept Archivable = requires(CArchive &ar, TYPE &value) {
     ar >> value;
 };
 
-// Reverses the bytes of each element in place on hosts that are not
-// little-endian; a no-op on little-endian hosts.
 template <class TYPE>
-void SwapToLittleEndian(TYPE *pElements, INT_PTR nCount)
-{
-    if constexpr (std::endian::native != std::endian::little && sizeof(TYPE) > 1)
-    {
-        for (INT_PTR i = 0; i < nCount; i++)
-        {
-            auto *bytes = reinterpret_cast<unsigned char *>(pElements + i);
-            std::reverse(bytes, bytes + sizeof(TYPE));
-        }
-    }
-    else
-    {
-        (void)pElements;
-        (void)nCount;
-    }
-}
+constexpr bool kPlatformWidth = std::is_same_v<TYPE, long> || std::is_same_v<TYPE, unsigned long>;
 
-// The largest element count that one Read or Write (a UINT of bytes) carries.
+// Whole elements per Read or Write call, whose size is a UINT of bytes.
 template <class TYPE>
 constexpr INT_PTR kElementsPerBlock = std::max<INT_PTR>(1, (INT_PTR)(0x7FFFFFFF / sizeof(TYPE)));
 
-// Writes nCount elements as little-endian blocks.
+// One block per call; the archive only runs on little-endian hosts, so the
+// memory is the layout.
 template <class TYPE>
-void WriteRaw(CArchive &ar, const TYPE *pElements, INT_PTR nCount)
-{
-    if constexpr (std::endian::native == std::endian::little || sizeof(TYPE) == 1)
-    {
-        for (INT_PTR done = 0; done < nCount;)
-        {
-            INT_PTR n = std::min(kElementsPerBlock<TYPE>, nCount - done);
-            ar.Write(pElements + done, (UINT)(n * (INT_PTR)sizeof(TYPE)));
-            done += n;
-        }
-    }
-    else
-    {
-        for (INT_PTR i = 0; i < nCount; i++)
-        {
-            TYPE value = pElements[i];
-            SwapToLittleEndian(&value, 1);
-            ar.Write(&value, (UINT)sizeof(TYPE));
-        }
-    }
-}
-
-// Reads nCount elements; a short block means the archive ended inside the
-// array.
-template <class TYPE>
-void ReadRaw(CArchive &ar, TYPE *pElements, INT_PTR nCount)
+void SerializeRaw(CArchive &ar, TYPE *pElements, INT_PTR nCount)
 {
     for (INT_PTR done = 0; done < nCount;)
     {
         INT_PTR n = std::min(kElementsPerBlock<TYPE>, nCount - done);
         UINT nBytes = (UINT)(n * (INT_PTR)sizeof(TYPE));
-        if (ar.Read(pElements + done, nBytes) != nBytes)
+        if (ar.IsStoring())
+            ar.Write(pElements + done, nBytes);
+        else if (ar.Read(pElements + done, nBytes) != nBytes)
             CArrayThrowEndOfFile();
         done += n;
     }
-    SwapToLittleEndian(pElements, nCount);
 }
+
+// The fewest bytes one stored element of TYPE takes, to refuse a count that
+// the rest of the archive cannot hold.
+template <class TYPE>
+constexpr ULONGLONG kMinStoredBytes = std::is_pointer_v<TYPE> ? 1
+                                      : kPlatformWidth<TYPE>  ? 4
+                                      : (std::is_arithmetic_v<TYPE> || std::is_enum_v<TYPE>)
+                                          ? sizeof(TYPE)
+                                          : (Archivable<TYPE> ? 1 : sizeof(TYPE));
 } // namespace CArrayDetail
 
 template <class TYPE>
@@ -167,12 +135,9 @@ void SerializeElements(CArchive &ar, TYPE *pElements, INT_PTR nCount)
         if (nCount > 0)
             throw CNotSupportedException("SerializeElements: an array of pointers cannot be archived");
     }
-    else if constexpr (std::is_arithmetic_v<TYPE> || std::is_enum_v<TYPE>)
+    else if constexpr ((std::is_arithmetic_v<TYPE> || std::is_enum_v<TYPE>) && !CArrayDetail::kPlatformWidth<TYPE>)
     {
-        if (ar.IsStoring())
-            CArrayDetail::WriteRaw(ar, pElements, nCount);
-        else
-            CArrayDetail::ReadRaw(ar, pElements, nCount);
+        CArrayDetail::SerializeRaw(ar, pElements, nCount);
     }
     else if constexpr (CArrayDetail::Archivable<TYPE>)
     {
@@ -186,13 +151,7 @@ void SerializeElements(CArchive &ar, TYPE *pElements, INT_PTR nCount)
     }
     else if constexpr (std::is_trivially_copyable_v<TYPE>)
     {
-        // A plain record is its memory, byte for byte.
-        auto *pBytes = reinterpret_cast<BYTE *>(pElements);
-        INT_PTR nBytes = nCount * (INT_PTR)sizeof(TYPE);
-        if (ar.IsStoring())
-            CArrayDetail::WriteRaw(ar, pBytes, nBytes);
-        else
-            CArrayDetail::ReadRaw(ar, pBytes, nBytes);
+        CArrayDetail::SerializeRaw(ar, reinterpret_cast<BYTE *>(pElements), nCount * (INT_PTR)sizeof(TYPE));
     }
     else
     {
@@ -202,8 +161,6 @@ void SerializeElements(CArchive &ar, TYPE *pElements, INT_PTR nCount)
             throw CNotSupportedException("SerializeElements: this element type has no archive layout");
     }
 }
-
-#endif
 
 // ---- CArray --------------------------------------------------------------------
 
@@ -413,7 +370,6 @@ public:
         m_nSize -= nCount;
     }
 
-#if CARRAY_HAS_ARCHIVE
     // ---- Archive -------------------------------------------------------------------
 
     // The count (WriteCount/ReadCount), then SerializeElements<TYPE>.
@@ -427,18 +383,23 @@ public:
         }
         else
         {
-            LoadInChunks(ar, [&ar](TYPE *pElements, INT_PTR nCount) { SerializeElements<TYPE>(ar, pElements, nCount); });
+            LoadInChunks(ar, CArrayDetail::kMinStoredBytes<TYPE>,
+                         [&ar](TYPE *pElements, INT_PTR nCount) { SerializeElements<TYPE>(ar, pElements, nCount); });
         }
     }
 
 protected:
     // Reads the count, then hands the elements to readChunk(first, count) a
-    // block at a time, growing the array only as far as the data reaches.
+    // block at a time, growing the array only as far as the data reaches. A
+    // count that the bytes left cannot hold, at nMinBytes an element, throws
+    // endOfFile before anything is allocated.
     template <class READ_CHUNK>
-    void LoadInChunks(CArchive &ar, READ_CHUNK readChunk)
+    void LoadInChunks(CArchive &ar, ULONGLONG nMinBytes, READ_CHUNK readChunk)
     {
         DWORD_PTR nStored = ar.ReadCount();
-        if (nStored > (DWORD_PTR)MaxElements())
+        ULONGLONG nLeft = ar.GetBytesRemaining();
+        if (nStored > (DWORD_PTR)MaxElements() ||
+            (nLeft != CArchive::unknownLength && (ULONGLONG)nStored > nLeft / nMinBytes))
             CArrayThrowEndOfFile();
         INT_PTR nTotal = (INT_PTR)nStored;
         SetSize(0);
@@ -450,8 +411,6 @@ protected:
             done += n;
         }
     }
-
-#endif
 
 private:
     static constexpr INT_PTR MaxElements()

@@ -1,4 +1,5 @@
 #include <scoremodel/platform/CArray.h>
+#include <scoremodel/platform/CFile.h>
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,25 @@
 #include <initializer_list>
 #include <string>
 #include <vector>
+
+// Outside the anonymous namespace, so that the stream operator IMPLEMENT_SERIAL
+// defines is not an unused internal function.
+class ArrayTestNote : public CObject
+{
+    DECLARE_SERIAL(ArrayTestNote)
+
+public:
+    explicit ArrayTestNote(int nPitch = 0) : m_nPitch(nPitch) {}
+    void Serialize(CArchive &ar) override
+    {
+        if (ar.IsStoring())
+            ar << m_nPitch;
+        else
+            ar >> m_nPitch;
+    }
+    int m_nPitch;
+};
+IMPLEMENT_SERIAL(ArrayTestNote, CObject, 1)
 
 namespace
 {
@@ -36,6 +56,47 @@ class TestItem : public Payload, public CObject
 public:
     explicit TestItem(int n) { m_nWeight = n; }
 };
+
+
+// A memory file that, like a pipe, cannot tell its length, so the archive
+// cannot check counts against the bytes left.
+class StreamFile : public CMemFile
+{
+public:
+    using CMemFile::CMemFile;
+    ULONGLONG GetLength() const override { throw CFileException(CFileException::badSeek, 0, "stream"); }
+};
+
+template <class ARRAY>
+std::vector<BYTE> Store(ARRAY &array)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        array.Serialize(ar);
+    }
+    std::vector<BYTE> bytes((size_t)mem.GetLength());
+    mem.SeekToBegin();
+    if (!bytes.empty())
+        mem.Read(bytes.data(), (UINT)bytes.size());
+    return bytes;
+}
+
+template <class ARRAY>
+void Load(const std::vector<BYTE> &bytes, ARRAY &array, bool bLengthKnown = true)
+{
+    static const BYTE kNothing = 0;
+    const BYTE *p = bytes.empty() ? &kNothing : bytes.data();
+    std::unique_ptr<CMemFile> file = bLengthKnown ? std::make_unique<CMemFile>(p, (UINT)bytes.size())
+                                                  : std::make_unique<StreamFile>(p, (UINT)bytes.size());
+    CArchive ar(file.get(), CArchive::load);
+    array.Serialize(ar);
+}
+
+std::vector<BYTE> Bytes(std::initializer_list<int> values)
+{
+    return std::vector<BYTE>(values.begin(), values.end());
+}
 } // namespace
 
 TEST(CArray, InsertAtPutsElementsBeforeTheIndexAndGrowsPastTheEnd)
@@ -269,4 +330,213 @@ TEST(CArray, ConcreteArraysAreCreatableByClassName)
     }
     CPtrArray pointers;
     EXPECT_FALSE(pointers.IsSerializable());
+}
+
+TEST(CArraySerialize, CountWidthChangesAtTheArchiveBoundariesAndRoundTrips)
+{
+    struct Case
+    {
+        INT_PTR count;
+        std::vector<BYTE> prefix;
+    };
+    const Case cases[] = {
+        {0, Bytes({0x00, 0x00})},
+        {1, Bytes({0x01, 0x00})},
+        {0xFFFE, Bytes({0xFE, 0xFF})},
+        {0xFFFF, Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00})},
+        {0x10001, Bytes({0xFF, 0xFF, 0x01, 0x00, 0x01, 0x00})},
+    };
+    for (const Case &c : cases)
+    {
+        CByteArray array;
+        array.SetSize(c.count);
+        for (INT_PTR i = 0; i < c.count; i++)
+            array[i] = (BYTE)(i * 31 + 7);
+        std::vector<BYTE> bytes = Store(array);
+        ASSERT_EQ(bytes.size(), c.prefix.size() + (size_t)c.count) << c.count;
+        EXPECT_TRUE(std::equal(c.prefix.begin(), c.prefix.end(), bytes.begin())) << c.count;
+        if (c.count)
+        {
+            EXPECT_EQ(bytes.back(), (BYTE)((c.count - 1) * 31 + 7)) << c.count;
+        }
+
+        CByteArray loaded;
+        loaded.Add(99); // a load replaces what was there
+        Load(bytes, loaded);
+        ASSERT_EQ(loaded.GetSize(), c.count);
+        EXPECT_TRUE(std::equal(loaded.begin(), loaded.end(), array.begin())) << c.count;
+    }
+}
+
+TEST(CArraySerialize, ScalarElementsAreLittleEndianAtThePlatformWidths)
+{
+    CWordArray words;
+    words.Add(0x1234);
+    words.Add(0xABCD);
+    EXPECT_EQ(Store(words), Bytes({0x02, 0x00, 0x34, 0x12, 0xCD, 0xAB}));
+
+    CDWordArray dwords;
+    dwords.Add(0x01020304);
+    EXPECT_EQ(Store(dwords), Bytes({0x01, 0x00, 0x04, 0x03, 0x02, 0x01}));
+    CUIntArray uints;
+    uints.Add(0x01020304);
+    EXPECT_EQ(Store(uints), Store(dwords));
+
+    CArray<int, int> ints;
+    ints.Add(-2);
+    EXPECT_EQ(Store(ints), Bytes({0x01, 0x00, 0xFE, 0xFF, 0xFF, 0xFF}));
+
+    CArray<long, long> longs; // the platform's long is 4 bytes
+    longs.Add(-2);
+    EXPECT_EQ(Store(longs), Store(ints));
+
+    CArray<float, float> floats;
+    floats.Add(1.0f);
+    EXPECT_EQ(Store(floats), Bytes({0x01, 0x00, 0x00, 0x00, 0x80, 0x3F}));
+
+    struct Record // stored as its memory
+    {
+        BYTE first, last;
+        WORD bits;
+    };
+    CArray<Record, Record> records;
+    records.Add(Record{1, 4, 0x0102});
+    EXPECT_EQ(Store(records), Bytes({0x01, 0x00, 0x01, 0x04, 0x02, 0x01}));
+    CArray<Record, Record> loaded;
+    Load(Store(records), loaded);
+    ASSERT_EQ(loaded.GetSize(), 1);
+    EXPECT_EQ(loaded[0].bits, 0x0102);
+}
+
+TEST(CArraySerialize, StringsAndDoublesComeBackUnchanged)
+{
+    CStringArray names;
+    names.Add(L"Fl\u00f6te");
+    names.Add(L"");
+    names.Add(L"\U0001D11E clef");
+    CStringArray loadedNames;
+    Load(Store(names), loadedNames);
+    EXPECT_EQ(Contents(loadedNames), Contents(names));
+
+    CArray<double, double> values;
+    values.Add(-0.125);
+    values.Add(1e300);
+    CArray<double, double> loadedValues;
+    Load(Store(values), loadedValues);
+    EXPECT_EQ(Contents(loadedValues), Contents(values));
+}
+
+TEST(CArraySerialize, ObjectArrayStoresASharedObjectOnceAndKeepsNulls)
+{
+    ArrayTestNote a(60), b(62);
+    CObArray objects;
+    objects.Add(&a);
+    objects.Add(&b);
+    objects.Add(&a);
+    objects.Add(nullptr);
+
+    CObArray loaded;
+    Load(Store(objects), loaded);
+    ASSERT_EQ(loaded.GetSize(), 4);
+    auto *pA = dynamic_cast<ArrayTestNote *>(loaded[0]);
+    auto *pB = dynamic_cast<ArrayTestNote *>(loaded[1]);
+    ASSERT_TRUE(pA && pB);
+    EXPECT_EQ(pA->m_nPitch, 60);
+    EXPECT_EQ(pB->m_nPitch, 62);
+    EXPECT_EQ(loaded[2], loaded[0]);
+    EXPECT_EQ(loaded[3], nullptr);
+    delete pA;
+    delete pB;
+}
+
+TEST(CArraySerialize, TruncatedOrOverCountedArchivesFailWithEndOfFile)
+{
+    CWordArray words;
+    CStringArray strings;
+    CArray<int, int> ints;
+    ArrayTestNote note(1);
+    CObArray objects;
+    for (int i = 0; i < 5; i++)
+    {
+        words.Add((WORD)i);
+        strings.Add(L"abc");
+        ints.Add(i);
+        objects.Add(&note);
+    }
+    using Loader = std::function<void(const std::vector<BYTE> &, bool)>;
+    const std::tuple<const char *, std::vector<BYTE>, Loader> cases[] = {
+        {"words", Store(words), [](auto &b, bool k) { CWordArray a; Load(b, a, k); }},
+        {"strings", Store(strings), [](auto &b, bool k) { CStringArray a; Load(b, a, k); }},
+        {"ints", Store(ints), [](auto &b, bool k) { CArray<int, int> a; Load(b, a, k); }},
+        {"objects", Store(objects), [](auto &b, bool k) {
+             // What a failed load created is the caller's to free.
+             std::unique_ptr<CMemFile> file = k ? std::make_unique<CMemFile>(b.data(), (UINT)b.size())
+                                                : std::make_unique<StreamFile>(b.data(), (UINT)b.size());
+             CArchive ar(file.get(), CArchive::load);
+             CObArray a;
+             try
+             {
+                 a.Serialize(ar);
+             }
+             catch (...)
+             {
+                 for (CObject *p : ar.GetLoadedObjects())
+                     delete p;
+                 throw;
+             }
+         }},
+    };
+    for (const auto &[name, bytes, load] : cases)
+    {
+        for (bool bLengthKnown : {true, false})
+        {
+            for (size_t n = 0; n < bytes.size(); n++)
+            {
+                std::vector<BYTE> cut(bytes.begin(), bytes.begin() + (long)n);
+                try
+                {
+                    load(cut, bLengthKnown);
+                    ADD_FAILURE() << name << " loaded from " << n << " bytes";
+                }
+                catch (const CArchiveException &e)
+                {
+                    EXPECT_EQ(e.m_cause, CArchiveException::endOfFile) << name << " at " << n;
+                }
+            }
+        }
+    }
+
+    // A count of four billion elements over a few bytes: refused up front
+    // when the length is known, and from a stream it fails after reading
+    // only what is there.
+    std::vector<BYTE> huge = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 1, 2, 3});
+    for (bool bLengthKnown : {true, false})
+    {
+        CDWordArray array;
+        try
+        {
+            Load(huge, array, bLengthKnown);
+            ADD_FAILURE() << "huge count loaded";
+        }
+        catch (const CArchiveException &e)
+        {
+            EXPECT_EQ(e.m_cause, CArchiveException::endOfFile);
+        }
+        EXPECT_LE(array.GetSize(), kArrayLoadChunk);
+    }
+}
+
+TEST(CArraySerialize, ArraysOfPointersOrUnknownRecordsRefuseToStore)
+{
+    int n = 0;
+    CPtrArray pointers;
+    EXPECT_THROW(Store(pointers), CNotSupportedException);
+    CArray<int *, int *> raw;
+    raw.Add(&n);
+    EXPECT_THROW(Store(raw), CNotSupportedException);
+    CArray<std::string> strings;
+    strings.Add("x");
+    EXPECT_THROW(Store(strings), CNotSupportedException);
+    strings.RemoveAll();
+    EXPECT_EQ(Store(strings), Bytes({0x00, 0x00})); // nothing to lose when empty
 }

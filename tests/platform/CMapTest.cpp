@@ -96,7 +96,9 @@ TEST(CMap, RemovingTheAssociationJustReturnedDuringAWalkIsSafe)
         ASSERT_EQ(value, key * 2);
         visited++;
         if (key % 2)
+        {
             EXPECT_TRUE(map.RemoveKey(key));
+        }
     }
     EXPECT_EQ(visited, 500);
     EXPECT_EQ(map.GetCount(), 250);

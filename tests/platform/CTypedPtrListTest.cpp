@@ -136,20 +136,20 @@ struct Payload
 {
     int m_nWeight = 0;
 };
-class TestItem : public Payload, public CObject
+class ListTestItem : public Payload, public CObject
 {
-    DECLARE_DYNAMIC(TestItem)
+    DECLARE_DYNAMIC(ListTestItem)
 
 public:
-    explicit TestItem(int n = 0) { m_nWeight = n; }
+    explicit ListTestItem(int n = 0) { m_nWeight = n; }
 };
-IMPLEMENT_DYNAMIC(TestItem, CObject)
+IMPLEMENT_DYNAMIC(ListTestItem, CObject)
 
-class TestOther : public CObject
+class ListTestOther : public CObject
 {
-    DECLARE_DYNAMIC(TestOther)
+    DECLARE_DYNAMIC(ListTestOther)
 };
-IMPLEMENT_DYNAMIC(TestOther, CObject)
+IMPLEMENT_DYNAMIC(ListTestOther, CObject)
 
 template <class LIST>
 std::vector<int> Weights(const LIST &list)
@@ -164,8 +164,8 @@ template <class ELEMENT>
 class CTypedPtrListTest : public ::testing::Test
 {
 protected:
-    using List = CTypedPtrList<TestList<ELEMENT>, TestItem *>;
-    TestItem m_items[6] = {TestItem(0), TestItem(1), TestItem(2), TestItem(3), TestItem(4), TestItem(5)};
+    using List = CTypedPtrList<TestList<ELEMENT>, ListTestItem *>;
+    ListTestItem m_items[6] = {ListTestItem(0), ListTestItem(1), ListTestItem(2), ListTestItem(3), ListTestItem(4), ListTestItem(5)};
 };
 using Elements = ::testing::Types<void *, CObject *>;
 TYPED_TEST_SUITE(CTypedPtrListTest, Elements);
@@ -181,10 +181,10 @@ TYPED_TEST(CTypedPtrListTest, ElementsComeBackAsTheSamePointersAtEveryEnd)
     EXPECT_EQ(list.GetTail(), &this->m_items[2]);
     EXPECT_EQ(list.GetAt(list.FindIndex(1)), &this->m_items[1]);
 
-    std::vector<TestItem *> backward;
+    std::vector<ListTestItem *> backward;
     for (POSITION pos = list.GetTailPosition(); pos;)
         backward.push_back(list.GetPrev(pos));
-    EXPECT_EQ(backward, (std::vector<TestItem *>{&this->m_items[2], &this->m_items[1], &this->m_items[0]}));
+    EXPECT_EQ(backward, (std::vector<ListTestItem *>{&this->m_items[2], &this->m_items[1], &this->m_items[0]}));
 
     EXPECT_EQ(list.RemoveHead(), &this->m_items[0]);
     EXPECT_EQ(list.RemoveTail(), &this->m_items[2]);
@@ -243,16 +243,16 @@ TYPED_TEST(CTypedPtrListTest, BlockSizeIsPassedToTheBase)
 
 TEST(CTypedPtrList, ClassFilteredWalkSkipsOtherClassesAndTypesTheResult)
 {
-    TestItem a(1), b(2);
-    TestOther other;
-    CTypedPtrList<TestList<CObject *>, TestItem *> list;
+    ListTestItem a(1), b(2);
+    ListTestOther other;
+    CTypedPtrList<TestList<CObject *>, ListTestItem *> list;
     list.AddTail(&a);
     static_cast<TestList<CObject *> &>(list).AddTail(&other);
     list.AddTail(&b);
 
-    std::vector<TestItem *> found;
+    std::vector<ListTestItem *> found;
     for (POSITION pos = list.GetHeadPosition(); pos;)
-        if (TestItem *p = list.GetNext(pos, RUNTIME_CLASS(TestItem)))
+        if (ListTestItem *p = list.GetNext(pos, RUNTIME_CLASS(ListTestItem)))
             found.push_back(p);
-    EXPECT_EQ(found, (std::vector<TestItem *>{&a, &b}));
+    EXPECT_EQ(found, (std::vector<ListTestItem *>{&a, &b}));
 }
