@@ -226,7 +226,7 @@ LRESULT MessageQueue::Send(const std::shared_ptr<WindowObject> &window, UINT msg
     return sent.result;
 }
 
-void MessageQueue::Deliver(Sent *sent)
+bool MessageQueue::Deliver(Sent *sent)
 {
     // The sender is let go even when the procedure throws.
     struct ReplyOnExit
@@ -235,8 +235,10 @@ void MessageQueue::Deliver(Sent *sent)
         LRESULT result = 0;
         ~ReplyOnExit() { Reply(sent, result); }
     } reply{sent};
-    if (sent->window->alive)
-        reply.result = sent->window->proc(sent->window->hWnd, sent->msg, sent->wParam, sent->lParam);
+    if (!sent->window->alive)
+        return false;
+    reply.result = sent->window->proc(sent->window->hWnd, sent->msg, sent->wParam, sent->lParam);
+    return true;
 }
 
 void MessageQueue::Reply(Sent *sent, LRESULT result)
@@ -358,8 +360,7 @@ int MessageQueue::ProcessPending()
             Sent *sent = m_sent.front();
             m_sent.pop_front();
             lock.unlock();
-            Deliver(sent);
-            ++count;
+            count += Deliver(sent);
             continue;
         }
         if (taken == limit || m_posted.empty())

@@ -134,8 +134,9 @@ private:
     void SignalLocked();
     void ResetWakeup();
 
-    // Runs one message sent from another thread and replies.
-    static void Deliver(Sent *sent);
+    // Runs one message sent from another thread, unless its window is gone,
+    // and replies; true when the procedure ran.
+    static bool Deliver(Sent *sent);
     static void Reply(Sent *sent, LRESULT result);
     int ProcessDueTimers();
     // The thread has ended: its windows go and its senders are let go.

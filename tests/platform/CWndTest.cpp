@@ -126,31 +126,21 @@ TEST(CWnd, OnTimerReceivesTheIdOfEachTimer)
     EXPECT_EQ(wnd.timers, std::vector<UINT_PTR>({4, 7}));
 }
 
-TEST(CWnd, HandlersSeeTheWholeLifeOfTheWindow)
-{
-    TestWnd wnd;
-    ASSERT_TRUE(Create(wnd));
-    HWND h = wnd.GetSafeHwnd();
-    EXPECT_EQ(CWnd::FromHandlePermanent(h), &wnd);
-    EXPECT_TRUE(wnd.DestroyWindow());
-    EXPECT_EQ(wnd.events, std::vector<UINT>({WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
-    EXPECT_EQ(wnd.m_hWnd, nullptr);
-    EXPECT_EQ(CWnd::FromHandlePermanent(h), nullptr);
-    EXPECT_FALSE(wnd.DestroyWindow());
-}
-
-TEST(CWnd, DestroyingTheHandleDirectlyDetachesTheObject)
+TEST(CWnd, DestroyingTheHandleRunsTheHandlersAndDetachesTheObject)
 {
     int postNcDestroys = 0;
     TestWnd wnd;
     wnd.postNcDestroyCount = &postNcDestroys;
     ASSERT_TRUE(Create(wnd));
     HWND h = wnd.m_hWnd;
+    EXPECT_EQ(CWnd::FromHandlePermanent(h), &wnd);
     ASSERT_TRUE(::DestroyWindow(h));
+    EXPECT_EQ(wnd.events, std::vector<UINT>({WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
     EXPECT_EQ(wnd.m_hWnd, nullptr);
     EXPECT_EQ(postNcDestroys, 1);
+    EXPECT_EQ(CWnd::FromHandlePermanent(h), nullptr);
+    EXPECT_FALSE(wnd.DestroyWindow());
     EXPECT_EQ(wnd.SetTimer(1, 10, nullptr), 0u) << "no window to time";
-    EXPECT_FALSE(wnd.PostMessage(WM_USER));
 }
 
 TEST(CWnd, DeletingTheObjectDestroysItsWindow)
