@@ -1,0 +1,120 @@
+// The event bases search the tree through MCEventWalk (GetAncestor,
+// GetDescendant, CollapseToAncestors) because they sit below the actions.
+// These tests hold the actions to the same answers on random trees and on
+// random graphs where events have several parents.
+#include "ACTestTree.h"
+
+#include <scoremodel/actions/ACFindEvents.h>
+#include <scoremodel/actions/ACFindFirstEvent.h>
+#include <scoremodel/events/base/MCEventWalk.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <unordered_set>
+
+namespace
+{
+// Ids that matter to the walks: clipped, bypassed, plain, and one outside
+// the table.
+const int kIds[] = {EVENT_ID_MEASURE,    EVENT_ID_NOTE,   EVENT_ID_CHORD,       EVENT_ID_BEAM,
+                    EVENT_ID_SLUR,       EVENT_ID_TIE,    EVENT_ID_GLISSANDO,   EVENT_ID_CONTROLLER_ENV,
+                    EVENT_ID_TEMPO_ENV,  EVENT_ID_TEMPO,  EVENT_ID_ENVELOPE,    EVENT_ID_STAFF,
+                    69,                  EVENT_ID_REST,   EVENT_ID_PERFORMANCE, 200};
+
+// A random graph of `n` events: event i > 0 gets a parent among 0..i-1 and,
+// with `extraParents`, up to two more, so edges only run from lower to higher
+// indexes and there is no cycle.
+struct RandomGraph
+{
+    std::vector<ECBase *> events;
+    TestTree *tree;
+
+    RandomGraph(std::mt19937 &rng, int n, bool extraParents)
+    {
+        std::uniform_int_distribution<size_t> pickId(0, std::size(kIds) - 1);
+        events.push_back(new TestTimed(kIds[pickId(rng)]));
+        tree = new TestTree(events[0]);
+        for (int i = 1; i < n; ++i)
+        {
+            ECBase *e = new TestTimed(kIds[pickId(rng)]);
+            std::uniform_int_distribution<int> pickParent(0, i - 1);
+            events[pickParent(rng)]->AddChild(e, 0);
+            if (extraParents)
+            {
+                int more = std::uniform_int_distribution<int>(0, 2)(rng);
+                for (int k = 0; k < more; ++k)
+                    events[pickParent(rng)]->AddChild(e, 0);
+            }
+            events.push_back(e);
+        }
+    }
+    ~RandomGraph() { delete tree; }
+};
+
+ECBase *FindFirstByAction(ECBase *start, int id, int depth, bool upward)
+{
+    ACFindFirstEvent find(1);
+    find.AddEvtType(id);
+    find.BypassNone();
+    if (depth != -1)
+        find.SetDepth(depth);
+    if (upward)
+    {
+        find.SetReverse(1);
+        find.ClipNone();
+    }
+    find.Apply(start);
+    return find.GetEvent();
+}
+
+std::vector<ECBase *> CollectByAction(ECBase *start, bool dedupe)
+{
+    ACFindEvents find;
+    find.ClipNone();
+    find.Apply(start);
+    std::vector<ECBase *> all = ListOf(find.GetEvents());
+    if (!dedupe)
+        return all;
+    std::vector<ECBase *> firsts;
+    std::unordered_set<ECBase *> seen;
+    for (ECBase *e : all)
+        if (seen.insert(e).second)
+            firsts.push_back(e);
+    return firsts;
+}
+
+void CheckAgreement(unsigned seed, int size, bool extraParents)
+{
+    std::mt19937 rng(seed);
+    RandomGraph graph(rng, size, extraParents);
+    const int depths[] = {-1, 0, 1, 2, 3, 255, 256};
+    for (ECBase *start : graph.events)
+    {
+        for (int id : {int(EVENT_ID_NOTE), int(EVENT_ID_MEASURE), int(EVENT_ID_SLUR), int(EVENT_ID_TEMPO), int(EVENT_ID_PERFORMANCE), 200})
+            for (int depth : depths)
+                for (bool upward : {false, true})
+                    ASSERT_EQ(FindFirstByAction(start, id, depth, upward),
+                              MCEventWalk::FindFirst(start, id, depth, upward))
+                        << "seed " << seed << " id " << id << " depth " << depth << " up " << upward;
+
+        std::vector<ECBase *> walked;
+        MCEventWalk::CollectAll(start, walked);
+        // In a tree every event is reached once; in a graph the action meets
+        // an event once per path, the walk once, in the same first order.
+        ASSERT_EQ(CollectByAction(start, extraParents), walked) << "seed " << seed;
+    }
+}
+
+TEST(ACWalkAgreementTest, ActionsAndTheBaseWalkAgreeOnRandomTrees)
+{
+    for (unsigned seed = 1; seed <= 40; ++seed)
+        CheckAgreement(seed, 60, false);
+}
+
+TEST(ACWalkAgreementTest, ActionsAndTheBaseWalkAgreeOnRandomGraphsWithSharedChildren)
+{
+    for (unsigned seed = 100; seed < 130; ++seed)
+        CheckAgreement(seed, 40, true);
+}
+} // namespace
