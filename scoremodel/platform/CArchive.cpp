@@ -167,7 +167,7 @@ CArchive::CArchive(CFile *pFile, UINT nMode, int nBufSize, void *lpBuf) : m_pFil
         {
             m_bLengthKnown = false;
         }
-        m_loadArray.push_back(LoadEntry{nullptr, 0, false});
+        m_loadArray.push_back(LoadEntry{nullptr, nullptr, 0, false});
     }
 }
 
@@ -261,12 +261,11 @@ void CArchive::FlushBuffer()
     }
 }
 
-void CArchive::WriteSlow(const void *p, size_t n)
+BYTE *CArchive::MakeRoom(size_t)
 {
     CheckStoring();
     FlushBuffer();
-    std::memcpy(m_pWCur, p, n);
-    m_pWCur += n;
+    return m_pWCur;
 }
 
 void CArchive::FillBuffer(size_t n)
@@ -299,12 +298,11 @@ void CArchive::FillBuffer(size_t n)
         throw CArchiveException(CArchiveException::endOfFile);
 }
 
-void CArchive::ReadSlow(void *p, size_t n)
+const BYTE *CArchive::MakeAvailable(size_t n)
 {
     CheckLoading();
     FillBuffer(n);
-    std::memcpy(p, m_pRCur, n);
-    m_pRCur += n;
+    return m_pRCur;
 }
 
 UINT CArchive::Read(void *lpBuf, UINT nMax)
@@ -626,7 +624,7 @@ void CArchive::MapObject(const CObject *pOb)
         m_storeMap.Set(pOb, m_nMapCount++);
     else
     {
-        m_loadArray.push_back(LoadEntry{const_cast<CObject *>(pOb), 0, false});
+        m_loadArray.push_back(LoadEntry{const_cast<CObject *>(pOb), pOb->GetRuntimeClass(), 0, false});
         ++m_nMapCount;
     }
 }
@@ -722,7 +720,7 @@ CRuntimeClass *CArchive::ReadClass(const CRuntimeClass *pClassRefRequested, UINT
     {
         pClassRef = LoadClassRecord(&nSchema);
         CheckCount();
-        m_loadArray.push_back(LoadEntry{pClassRef, nSchema, true});
+        m_loadArray.push_back(LoadEntry{pClassRef, pClassRef, nSchema, true});
         ++m_nMapCount;
     }
     else
@@ -765,10 +763,12 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested)
 
     if (!pClassRef)
     {
-        if (obTag >= m_loadArray.size() || m_loadArray[obTag].bClass)
+        if (obTag >= m_loadArray.size() || m_loadArray[obTag].bClass) [[unlikely]]
             throw CArchiveException(CArchiveException::badIndex, "object index " + std::to_string(obTag));
-        CObject *pOb = static_cast<CObject *>(m_loadArray[obTag].p);
-        if (pOb && pClassRefRequested && !pOb->IsKindOf(pClassRefRequested))
+        const LoadEntry &entry = m_loadArray[obTag];
+        CObject *pOb = static_cast<CObject *>(entry.p);
+        if (pOb && pClassRefRequested && entry.pClass != pClassRefRequested &&
+            !entry.pClass->IsDerivedFrom(pClassRefRequested))
             throw CArchiveException(CArchiveException::badClass, "a reference to an object of another class");
         return pOb;
     }
@@ -786,7 +786,7 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested)
     m_loadedObjects.push_back(pOb);
     // Entered before its Serialize, so a reference back to it from inside
     // (a cycle) finds it.
-    m_loadArray.push_back(LoadEntry{pOb, 0, false});
+    m_loadArray.push_back(LoadEntry{pOb, pClassRef, 0, false});
     ++m_nMapCount;
 
     ValueScope<UINT> schema(m_nObjectSchema, nSchema);

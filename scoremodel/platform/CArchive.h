@@ -307,43 +307,46 @@ private:
 
     // One entry of the load map: index 0 is null, then classes and objects
     // in stream order.
+    // An object's entry keeps its class, so that checking a back reference
+    // doesn't touch the object itself (a cache miss per reference otherwise).
     struct LoadEntry
     {
         void *p;
-        UINT nSchema; // classes: the schema stored with the class
+        const CRuntimeClass *pClass; // objects: the object's class
+        UINT nSchema;                // classes: the schema stored with the class
         bool bClass;
     };
 
     // The fast paths: one compare and a copy while the buffer has room. In
     // the wrong mode the pointers for that direction are null, so the slow
-    // path runs and throws.
+    // path runs and throws. The slow path hands back the cursor, so that the
+    // cursor stays in a register across a run of fields instead of making a
+    // round trip through memory for each one.
     template <typename T>
     CArchive &Put(T v)
     {
-        if (static_cast<size_t>(m_pWEnd - m_pWCur) >= sizeof(T))
-        {
-            std::memcpy(m_pWCur, &v, sizeof(T));
-            m_pWCur += sizeof(T);
-        }
-        else
-            WriteSlow(&v, sizeof(T));
+        BYTE *cur = m_pWCur;
+        if (static_cast<size_t>(m_pWEnd - cur) < sizeof(T)) [[unlikely]]
+            cur = MakeRoom(sizeof(T));
+        std::memcpy(cur, &v, sizeof(T));
+        m_pWCur = cur + sizeof(T);
         return *this;
     }
     template <typename T>
     CArchive &Get(T &v)
     {
-        if (static_cast<size_t>(m_pREnd - m_pRCur) >= sizeof(T))
-        {
-            std::memcpy(&v, m_pRCur, sizeof(T));
-            m_pRCur += sizeof(T);
-        }
-        else
-            ReadSlow(&v, sizeof(T));
+        const BYTE *cur = m_pRCur;
+        if (static_cast<size_t>(m_pREnd - cur) < sizeof(T)) [[unlikely]]
+            cur = MakeAvailable(sizeof(T));
+        std::memcpy(&v, cur, sizeof(T));
+        m_pRCur = cur + sizeof(T);
         return *this;
     }
 
-    void WriteSlow(const void *p, size_t n);
-    void ReadSlow(void *p, size_t n);
+    // Empties the buffer into the file and returns the write cursor.
+    BYTE *MakeRoom(size_t n);
+    // Fills the buffer with at least n bytes and returns the read cursor.
+    const BYTE *MakeAvailable(size_t n);
     void CheckStoring() const;
     void CheckLoading() const;
     void FlushBuffer();
