@@ -34,6 +34,8 @@ public:
     // A free id, so that searches by id can tell test events apart.
     int GetEventId() const override { return m_id; }
     void SetId(int id) { m_id = id; }
+    // The whole flag byte, for tests of the bits the model only carries.
+    void SetRawFlags(BYTE flags) { m_flags = flags; }
 
 protected:
     TestNode()
@@ -69,6 +71,7 @@ public:
 
     int GetEventId() const override { return m_id; }
     void SetId(int id) { m_id = id; }
+    void SetRawFlags(BYTE flags) { m_flags = flags; }
 
 protected:
     TestLeaf() { ++s_alive; }

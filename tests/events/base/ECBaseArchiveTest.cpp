@@ -1,0 +1,310 @@
+// The archive records of the event bases: what is stored, what comes back,
+// shared children, rejected events, and clean-up after a broken stream.
+#include "events/base/EventTestSupport.h"
+
+#include <scoremodel/events/base/DCBase.h>
+#include <scoremodel/events/base/LCBase.h>
+#include <scoremodel/platform/CArchive.h>
+#include <scoremodel/plugins/CPluginData.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+// An event that always fails its validity test, as a frame without content.
+class TestInvalid : public ECWithTime
+{
+    DECLARE_SERIAL(TestInvalid)
+
+public:
+    static int s_alive;
+    int IsValid() override { return 0; }
+
+protected:
+    TestInvalid() { ++s_alive; }
+    ~TestInvalid() override { --s_alive; }
+};
+IMPLEMENT_SERIAL(TestInvalid, ECWithTime, VERSIONABLE_SCHEMA | 2)
+int TestInvalid::s_alive = 0;
+
+class DCArchived : public DCBase
+{
+    DECLARE_SERIAL(DCArchived)
+
+public:
+    void SetValues(int a, int b)
+    {
+        m_value = a;
+        m_value2 = b;
+    }
+    int Value() const { return m_value.GetValue(); }
+    int Value2() const { return m_value2.GetValue(); }
+};
+IMPLEMENT_SERIAL(DCArchived, DCBase, VERSIONABLE_SCHEMA | 2)
+
+namespace
+{
+using Bytes = std::vector<BYTE>;
+
+Bytes Store(const std::function<void(CArchive &)> &write)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        write(ar);
+        ar.Close();
+    }
+    Bytes out(static_cast<size_t>(mem.GetLength()));
+    mem.SeekToBegin();
+    mem.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+// Loads one object; on an archive error releases what the load made and
+// returns null.
+template <class T>
+T *LoadRoot(const Bytes &bytes, bool *failed = nullptr)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load);
+    T *root = nullptr;
+    try
+    {
+        ar >> root;
+    }
+    catch (const CArchiveException &)
+    {
+        ECBase::ReleaseLoadedObjects(ar.GetLoadedObjects());
+        if (failed)
+            *failed = true;
+        return nullptr;
+    }
+    if (failed)
+        *failed = false;
+    return root;
+}
+
+void TearDownTree(ECBase *root)
+{
+    root->Ref();
+    root->RemoveChildren(1);
+    root->Unref(1);
+}
+
+class ArchiveTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_nodes = TestNode::s_alive;
+        m_leaves = TestLeaf::s_alive;
+    }
+    void TearDown() override
+    {
+        EXPECT_EQ(TestNode::s_alive, m_nodes) << "a loaded or stored container leaked";
+        EXPECT_EQ(TestLeaf::s_alive, m_leaves) << "a loaded or stored leaf leaked";
+    }
+    int m_nodes = 0;
+    int m_leaves = 0;
+};
+
+// measure(0) -> {note(1) -> dot, rest(2)}, beam(1) -> {note}; root holds both.
+struct Score
+{
+    TestNode *root = TestNode::Make(0);
+    TestNode *measure = TestNode::Make(0);
+    TestNode *beam = TestNode::Make(1);
+    TestNode *note = TestNode::Make(1);
+    TestLeaf *rest = TestLeaf::Make(2);
+    TestLeaf *dot = TestLeaf::Make(1);
+
+    Score()
+    {
+        root->Ref();
+        root->AddChild(measure, 1);
+        root->AddChild(beam, 1);
+        measure->AddChild(note, 1);
+        measure->AddChild(rest, 1);
+        beam->AddChild(note, 1);
+        note->AddChild(dot, 1);
+        note->SetId(EVENT_ID_NOTE);
+        rest->SetVoiceTrack(2, 3);
+    }
+    ~Score()
+    {
+        TearDownTree(root);
+        root->Unref(1);
+    }
+};
+} // namespace
+
+TEST_F(ArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
+{
+    Bytes bytes;
+    {
+        Score s;
+        bytes = Store([&](CArchive &ar) { ar << s.root; });
+    }
+    TestNode *root = LoadRoot<TestNode>(bytes);
+    ASSERT_NE(root, nullptr);
+    root->Ref();
+    auto top = Elements(root->GetChildren());
+    ASSERT_EQ(top.size(), 2u);
+    auto measureChildren = Elements(top[0]->GetChildren());
+    auto beamChildren = Elements(top[1]->GetChildren());
+    ASSERT_EQ(measureChildren.size(), 2u);
+    ASSERT_EQ(beamChildren.size(), 1u);
+    ECBase *note = measureChildren[0];
+    EXPECT_EQ(beamChildren[0], note) << "one note, shared by measure and beam";
+    EXPECT_EQ(Elements(note->GetParents()), (std::vector<ECBase *>{top[0], top[1]}));
+    EXPECT_EQ(note->GetRefCount(), 3) << "two lists and its dot's parent link";
+    EXPECT_TRUE(*measureChildren[1]->GetTime() == MCTime(2.0f));
+    EXPECT_EQ(measureChildren[1]->GetVoice(), 2);
+    EXPECT_EQ(measureChildren[1]->GetTrack(), 3);
+    EXPECT_TRUE(note->GetFlags() & ECBase::FlagHasChildren);
+    EXPECT_EQ(root->GetParents()->GetCount(), 0);
+    TearDownTree(root);
+    root->Unref(1);
+}
+
+TEST_F(ArchiveTest, RecordLayoutOfATimedEvent)
+{
+    TestLeaf *leaf = TestLeaf::Make(1.5f);
+    leaf->Ref();
+    leaf->SetVoiceTrack(1, 2);
+    leaf->SetSelected(1, 3);
+    Bytes record = Store([&](CArchive &ar) { leaf->Serialize(ar); });
+    float value = 1.5f;
+    Bytes expected = {0x0C, 0x00};
+    expected.insert(expected.end(), reinterpret_cast<BYTE *>(&value), reinterpret_cast<BYTE *>(&value) + 4);
+    expected.push_back(0x21);
+    expected.push_back(0x00);
+    EXPECT_EQ(record, expected) << "flags raw with the selection, mode, float, voice/track word";
+    leaf->Unref(1);
+}
+
+TEST_F(ArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
+{
+    TestLeaf *leaf = TestLeaf::Make(0);
+    leaf->Ref();
+    leaf->SetRawFlags(0xA0 | 0x0C);
+    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
+    leaf->Unref(1);
+    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->GetSelectedFlag(), 0u) << "a selected event loads unselected";
+    EXPECT_EQ(loaded->GetFlags(), 0xA0) << "bits 4-7 are carried unchanged";
+    loaded->Unref(1);
+}
+
+TEST_F(ArchiveTest, ChildListedTwiceLoadsOnce)
+{
+    TestNode *parent = TestNode::Make(0);
+    parent->Ref();
+    TestLeaf *leaf = TestLeaf::Make(0);
+    parent->GetChildren()->AddTail(leaf);
+    parent->GetChildren()->AddTail(leaf); // edited directly: twice
+    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
+    parent->GetChildren()->RemoveAll();
+    parent->Unref(1);
+
+    TestNode *loaded = LoadRoot<TestNode>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    loaded->Ref();
+    EXPECT_EQ(loaded->GetChildren()->GetCount(), 1);
+    ECBase *child = loaded->GetChildren()->GetHead();
+    EXPECT_EQ(child->GetParents()->GetCount(), 1);
+    EXPECT_EQ(child->GetRefCount(), 1);
+    TearDownTree(loaded);
+    loaded->Unref(1);
+}
+
+TEST_F(ArchiveTest, InvalidEventVanishesFromItsParentAndDies)
+{
+    int invalidBefore = TestInvalid::s_alive;
+    TestNode *parent = TestNode::Make(0);
+    parent->Ref();
+    auto *bad = static_cast<ECBase *>(RUNTIME_CLASS(TestInvalid)->CreateObject());
+    TestLeaf *good = TestLeaf::Make(1);
+    parent->AddChild(bad, 1);
+    parent->AddChild(good, 1);
+    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
+    TearDownTree(parent);
+    parent->Unref(1);
+    EXPECT_EQ(TestInvalid::s_alive, invalidBefore);
+
+    TestNode *loaded = LoadRoot<TestNode>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    loaded->Ref();
+    EXPECT_EQ(TestInvalid::s_alive, invalidBefore) << "the rejected event must die";
+    ASSERT_EQ(loaded->GetChildren()->GetCount(), 1);
+    EXPECT_TRUE(*loaded->GetChildren()->GetHead()->GetTime() == MCTime(1.0f));
+    TearDownTree(loaded);
+    loaded->Unref(1);
+}
+
+TEST_F(ArchiveTest, AttachmentsRoundTripInTheirSlots)
+{
+    CPluginData entry(RUNTIME_CLASS(DCArchived), 1, EVENT_ID_WITH_TIME);
+    CPluginData::AddPlugin(&entry);
+    TestLeaf *leaf = TestLeaf::Make(0);
+    leaf->Ref();
+    static_cast<DCArchived *>(leaf->GetData(1, 1))->SetValues(7, -9);
+    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
+    leaf->Unref(1);
+    CPluginData::RemovePlugin(&entry);
+
+    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_TRUE(loaded->GetFlags() & ECBase::FlagHasData);
+    EXPECT_EQ(loaded->GetData()->GetSize(), 4) << "sized to the highest stored slot";
+    auto *data = dynamic_cast<DCArchived *>(loaded->GetData(1, 0));
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->Value(), 7);
+    EXPECT_EQ(data->Value2(), -9);
+    EXPECT_EQ(data->GetOwner(), loaded) << "the owner comes back as a reference";
+    loaded->Unref(1);
+}
+
+TEST_F(ArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
+{
+    Bytes bytes;
+    {
+        Score s;
+        bytes = Store([&](CArchive &ar) { ar << s.root; });
+    }
+    for (size_t cut = 0; cut < bytes.size(); ++cut)
+    {
+        Bytes part(bytes.begin(), bytes.begin() + static_cast<long>(cut));
+        bool failed = false;
+        TestNode *root = LoadRoot<TestNode>(part, &failed);
+        EXPECT_TRUE(failed) << "cut at " << cut;
+        EXPECT_EQ(root, nullptr);
+        ASSERT_EQ(TestNode::s_alive, m_nodes) << "cut at " << cut;
+        ASSERT_EQ(TestLeaf::s_alive, m_leaves) << "cut at " << cut;
+    }
+}
+
+TEST_F(ArchiveTest, PlainListAndFilterAndAttachmentRecords)
+{
+    LCBase filter;
+    filter.SetEnabled(0);
+    filter.SetPriority(9);
+    MCObList list;
+    list.AddTail(&filter);
+    list.AddTail(&filter);
+    Bytes bytes = Store([&](CArchive &ar) { list.Serialize(ar); });
+
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load);
+    MCObList loaded;
+    loaded.Serialize(ar);
+    ASSERT_EQ(loaded.GetCount(), 2);
+    EXPECT_EQ(loaded.GetHead(), loaded.GetTail()) << "one object stored once, referenced twice";
+    auto *f = static_cast<LCBase *>(loaded.GetHead());
+    EXPECT_TRUE(*f == filter);
+    EXPECT_EQ(f->IsEnabled(), 0);
+    EXPECT_EQ(f->GetPriority(), 9);
+    delete f;
+}
