@@ -9,143 +9,78 @@
 
 namespace
 {
-// A measure of notes at 1, 2, 3, 4 and 5, under a timeless parent.
-struct Notes
+bool Visited(const std::vector<ECBase *> &visited, ECBase *e)
 {
-    TestTree tree{new TestTimeless(EVENT_ID_STAFF)};
-    ECBase *measure = tree.Timeless(tree.Root(), EVENT_ID_MEASURE);
-    std::vector<ECBase *> notes;
-
-    Notes()
-    {
-        for (float t : {1.0f, 2.0f, 3.0f, 4.0f, 5.0f})
-            notes.push_back(tree.Timed(measure, EVENT_ID_NOTE, t));
-    }
-    std::vector<ECBase *> At(std::initializer_list<int> times) const
-    {
-        std::vector<ECBase *> out;
-        for (int t : times)
-            out.push_back(notes[t - 1]);
-        return out;
-    }
-};
+    return std::find(visited.begin(), visited.end(), e) != visited.end();
+}
 
 TEST(ACFindTimeTest, RangeModesDecideWhichEndsAreIncluded)
 {
     const struct
     {
         int mode;
-        float start;
-        float end;
-        std::initializer_list<int> expected;
+        float start, end;
+        std::vector<int> expected; // times of the notes found
     } cases[] = {
-        {ACRangeClosed, 2, 4, {2, 3, 4}},
-        {ACRangeOpen, 2, 4, {3}},
-        {ACRangeOpenStart, 2, 4, {3, 4}},
-        {ACRangeOpenEnd, 2, 4, {2, 3}},
-        {ACRangeClosed, 3, 3, {3}},
-        {ACRangeOpen, 3, 3, {}},
-        {ACRangeOpenStart, 3, 3, {}},
-        {ACRangeOpenEnd, 3, 3, {}},
-        {ACRangeClosed, 4, 2, {}},
-        {ACRangeClosed, 0, 100, {1, 2, 3, 4, 5}},
+        {ACRangeClosed, 2, 4, {2, 3, 4}}, {ACRangeOpen, 2, 4, {3}},     {ACRangeOpenStart, 2, 4, {3, 4}},
+        {ACRangeOpenEnd, 2, 4, {2, 3}},   {ACRangeClosed, 3, 3, {3}},   {ACRangeOpen, 3, 3, {}},
+        {ACRangeOpenStart, 3, 3, {}},     {ACRangeOpenEnd, 3, 3, {}},   {ACRangeClosed, 4, 2, {}},
     };
     for (const auto &rc : cases)
     {
-        Notes n;
+        // A timeless parent is entered but never listed.
+        TestTree tree(new TestTimeless(EVENT_ID_MEASURE));
+        std::vector<ECBase *> notes, expected;
+        for (int t = 1; t <= 5; ++t)
+            notes.push_back(tree.Timed(tree.Root(), EVENT_ID_NOTE, float(t)));
+        for (int t : rc.expected)
+            expected.push_back(notes[t - 1]);
         ACFindTime find(MCTime(rc.start), MCTime(rc.end), rc.mode);
-        find.Apply(n.tree.Root());
-        EXPECT_EQ(ListOf(find.GetEvents()), n.At(rc.expected))
-            << "mode " << rc.mode << " [" << rc.start << ", " << rc.end << "]";
+        find.Apply(tree.Root());
+        EXPECT_EQ(ListOf(find.GetEvents()), expected) << "mode " << rc.mode << " " << rc.start << "-" << rc.end;
+        // The maximum is not consulted and the count is left alone.
+        EXPECT_EQ(find.GetEventCount(), 0);
     }
 }
 
-TEST(ACFindTimeTest, EventPastTheEndDropsTheRestOfItsParentOnly)
+TEST(ACFindTimeTest, EventPastTheEndDropsTheRestOfItsMeasureOnly)
 {
-    // Two staves, each a measure of notes at 0, 1, 2, 3, in one timeless root.
     TestTree tree(new TestTimeless(EVENT_ID_PERFORMANCE));
     std::vector<ECBase *> notes[2];
     for (auto &staffNotes : notes)
     {
-        ECBase *staff = tree.Timed(tree.Root(), EVENT_ID_STAFF, 0.0f);
-        ECBase *measure = tree.Timed(staff, EVENT_ID_MEASURE, 0.0f);
+        ECBase *measure = tree.Timed(tree.Timed(tree.Root(), EVENT_ID_STAFF), EVENT_ID_MEASURE);
         for (float t : {0.0f, 1.0f, 2.0f, 3.0f})
             staffNotes.push_back(tree.Timed(measure, EVENT_ID_NOTE, t));
     }
     RecordingAction<ACFindTime> find(MCTime(0.0f), MCTime(1.0f), ACRangeClosed);
     find.AddEvtType(EVENT_ID_NOTE);
+    find.SetMaxEventCount(1);
     EXPECT_EQ(find.Apply(tree.Root()), ACBase::ResultContinue);
-    EXPECT_EQ(ListOf(find.GetEvents()),
-              (std::vector<ECBase *>{notes[0][0], notes[0][1], notes[1][0], notes[1][1]}));
-    // The note at 2 is met and ends its measure; the one at 3 never is.
+    EXPECT_EQ(ListOf(find.GetEvents()), (std::vector<ECBase *>{notes[0][0], notes[0][1], notes[1][0], notes[1][1]}));
     for (auto &staffNotes : notes)
     {
-        EXPECT_NE(std::find(find.visited.begin(), find.visited.end(), staffNotes[2]), find.visited.end());
-        EXPECT_EQ(std::find(find.visited.begin(), find.visited.end(), staffNotes[3]), find.visited.end());
+        EXPECT_TRUE(Visited(find.visited, staffNotes[2]));
+        EXPECT_FALSE(Visited(find.visited, staffNotes[3]));
     }
 }
 
-TEST(ACFindTimeTest, TimelessEventsAreEnteredButNeverListed)
-{
-    Notes n;
-    ACFindTime find(MCTime(0.0f), MCTime(10.0f));
-    find.Apply(n.tree.Root());
-    EXPECT_EQ(ListOf(find.GetEvents()), n.notes);
-}
-
-TEST(ACFindTimeTest, IgnoresTheMaximumAndLeavesTheFoundCountAlone)
-{
-    Notes n;
-    ACFindTime find(MCTime(0.0f), MCTime(10.0f));
-    find.SetMaxEventCount(1);
-    EXPECT_EQ(find.Apply(n.tree.Root()), ACBase::ResultContinue);
-    EXPECT_EQ(find.GetEvents().GetCount(), 5);
-    EXPECT_EQ(find.GetEventCount(), 0);
-}
-
-TEST(ACFindTimeTest, TypesFilterWhatIsInRange)
-{
-    Notes n;
-    ECBase *rest = n.tree.Timed(n.measure, EVENT_ID_REST, 6.0f);
-    ACFindTime find(MCTime(0.0f), MCTime(10.0f));
-    find.AddEvtType(EVENT_ID_REST);
-    find.Apply(n.tree.Root());
-    EXPECT_EQ(ListOf(find.GetEvents()), std::vector<ECBase *>{rest});
-}
-
-TEST(ACFindTimeTest, SettersKeepTheModeWhenGivenABadOne)
-{
-    ACFindTime find(MCTime(0.0f), MCTime(1.0f), 9);
-    EXPECT_EQ(find.GetRangeMode(), ACRangeClosed);
-    find.SetTimeRange(MCTime(2.0f), MCTime(3.0f), ACRangeOpen);
-    find.SetRangeMode(-1);
-    EXPECT_EQ(find.GetRangeMode(), ACRangeOpen);
-    EXPECT_TRUE(find.GetStartTime() == MCTime(2.0f));
-    EXPECT_TRUE(find.GetEndTime() == MCTime(3.0f));
-
-    Notes n;
-    find.Apply(n.tree.Root());
-    EXPECT_TRUE(find.GetEvents().IsEmpty());
-}
-
-// staff (track 2) -> measure -> notes of voices 0 and 1 on track 2;
-// staff (track 3) -> measure -> note of voice 0 on track 3; a conductor
-// event on track 0 and a timeless event on no track. The root is timeless
-// too, so every selection lists it.
+// root (timeless) -> staff2 (track 2) -> m2 (voice 14) -> v0, v1 (voices 0, 1)
+//                 -> staff3 (track 3) -> m3 (voice 14) -> t3 (voice 0)
+//                 -> tempo (track 0), frame (timeless)
 struct Tracks
 {
     TestTree tree{new TestTimeless(EVENT_ID_PERFORMANCE)};
     ECBase *root = tree.Root();
-    TestTimed *staff2 = tree.Timed(tree.Root(), EVENT_ID_STAFF, 0.0f);
-    TestTimed *m2 = tree.Timed(staff2, EVENT_ID_MEASURE, 0.0f);
+    TestTimed *staff2 = tree.Timed(root, EVENT_ID_STAFF);
+    TestTimed *m2 = tree.Timed(staff2, EVENT_ID_MEASURE);
     TestTimed *v0 = tree.Timed(m2, EVENT_ID_NOTE, 0.0f);
     TestTimed *v1 = tree.Timed(m2, EVENT_ID_NOTE, 1.0f);
-    TestTimed *staff3 = tree.Timed(tree.Root(), EVENT_ID_STAFF, 0.0f);
-    TestTimed *m3 = tree.Timed(staff3, EVENT_ID_MEASURE, 0.0f);
-    TestTimed *t3 = tree.Timed(m3, EVENT_ID_NOTE, 0.0f);
-    TestTimed *tempo = tree.Timed(tree.Root(), EVENT_ID_TEMPO, 0.0f);
-    TestTimeless *frame = tree.Timeless(tree.Root(), EVENT_ID_FRAME);
-
+    TestTimed *staff3 = tree.Timed(root, EVENT_ID_STAFF);
+    TestTimed *m3 = tree.Timed(staff3, EVENT_ID_MEASURE);
+    TestTimed *t3 = tree.Timed(m3, EVENT_ID_NOTE);
+    TestTimed *tempo = tree.Timed(root, EVENT_ID_TEMPO);
+    TestTimeless *frame = tree.Timeless(root, EVENT_ID_FRAME);
     Tracks()
     {
         staff2->SetVoiceTrack(15, 2);
@@ -161,81 +96,37 @@ struct Tracks
 
 TEST(ACSelectTest, VoicesAndTracksChooseWhatIsSelected)
 {
-    typedef std::vector<ECBase *> (*Expected)(Tracks &);
     const struct
     {
-        const char *name;
-        std::vector<UINT> voices;
-        std::vector<UINT> tracks;
-        Expected expected;
+        std::vector<UINT> voices, tracks;
+        std::vector<ECBase *> (*expected)(Tracks &);
     } cases[] = {
-        {"everything", {}, {},
-         [](Tracks &t) -> std::vector<ECBase *> {
+        {{}, {}, [](Tracks &t) -> std::vector<ECBase *> {
              return {t.root, t.staff2, t.m2, t.v0, t.v1, t.staff3, t.m3, t.t3, t.tempo, t.frame};
          }},
-        {"track 3 and the conductor", {}, {3},
-         [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff3, t.m3, t.t3, t.tempo, t.frame}; }},
-        {"voice 1 passes over structural measures", {1}, {},
-         [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff2, t.v1, t.staff3, t.tempo, t.frame}; }},
-        {"voice 0 on track 2", {0}, {2},
-         [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff2, t.v0, t.tempo, t.frame}; }},
+        // A track not chosen is not entered; track 0 and no track always pass.
+        {{}, {3}, [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff3, t.m3, t.t3, t.tempo, t.frame}; }},
+        // A voice not chosen (14 included) is passed over, its children searched.
+        {{1}, {}, [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff2, t.v1, t.staff3, t.tempo, t.frame}; }},
+        {{0}, {2}, [](Tracks &t) -> std::vector<ECBase *> { return {t.root, t.staff2, t.v0, t.tempo, t.frame}; }},
     };
-    for (const auto &sc : cases)
+    for (size_t i = 0; i < std::size(cases); ++i)
     {
         Tracks t;
         CUIntArray voices, tracks;
-        for (UINT v : sc.voices)
+        for (UINT v : cases[i].voices)
             voices.Add(v);
-        for (UINT tr : sc.tracks)
+        for (UINT tr : cases[i].tracks)
             tracks.Add(tr);
-        ACSelect select(MCTime(0.0f), MCTime(4.0f));
+        RecordingAction<ACSelect> select(MCTime(0.0f), MCTime(4.0f));
         select.SetVoices(voices);
         select.SetTracks(tracks);
         select.Apply(t.tree.Root());
-        EXPECT_EQ(ListOf(select.GetEvents()), sc.expected(t)) << sc.name;
+        EXPECT_EQ(ListOf(select.GetEvents()), cases[i].expected(t)) << "case " << i;
+        EXPECT_EQ(Visited(select.visited, t.v0), cases[i].tracks != std::vector<UINT>{3}) << "case " << i;
+        // Timed events go through the range search, which counts nothing.
+        EXPECT_EQ(select.GetEventCount(), 2) << "case " << i;
     }
 }
 
-TEST(ACSelectTest, TrackNotChosenIsNotEntered)
-{
-    Tracks t;
-    CUIntArray tracks;
-    tracks.Add(3);
-    RecordingAction<ACSelect> select(MCTime(0.0f), MCTime(4.0f));
-    select.SetTracks(tracks);
-    select.Apply(t.tree.Root());
-    EXPECT_EQ(std::find(select.visited.begin(), select.visited.end(), t.v0), select.visited.end());
-}
-
-TEST(ACSelectTest, RangeIsHalfOpenAndTimelessEventsCount)
-{
-    Tracks t;
-    ACSelect select(MCTime(0.0f), MCTime(1.0f));
-    select.Apply(t.tree.Root());
-    auto found = ListOf(select.GetEvents());
-    EXPECT_EQ(std::find(found.begin(), found.end(), t.v1), found.end());
-    // Only the timeless events (root and frame) go through the counting search.
-    EXPECT_EQ(select.GetEventCount(), 2);
-
-    select.SetAllTracks();
-    select.SetAllVoices();
-    EXPECT_TRUE(select.GetVoices().IsEmpty());
-    EXPECT_TRUE(select.FindTrack(0) && select.FindTrack(0x7FF) && select.FindVoice(15));
-}
-
-TEST(ACSelectTest, VoiceFifteenAndTrackZeroAlwaysPass)
-{
-    ACSelect select(MCTime(0.0f), MCTime(1.0f));
-    CUIntArray one;
-    one.Add(4);
-    select.SetVoices(one);
-    select.SetTracks(one);
-    EXPECT_TRUE(select.FindVoice(15));
-    EXPECT_FALSE(select.FindVoice(14));
-    EXPECT_TRUE(select.FindVoice(4));
-    EXPECT_TRUE(select.FindTrack(0));
-    EXPECT_TRUE(select.FindTrack(0x7FF));
-    EXPECT_FALSE(select.FindTrack(0x7FE));
-    EXPECT_TRUE(select.FindTrack(4));
-}
 } // namespace

@@ -8,8 +8,7 @@ namespace
 {
 using Recorder = RecordingAction<ACRelativesFirst>;
 
-// root(55) -> A(32) -> A1(37), A2(37)
-//          -> B(32)
+// root -> A -> A1, A2;  root -> B
 struct SmallTree
 {
     TestTree tree{new TestTimed(EVENT_ID_STAFF)};
@@ -20,36 +19,16 @@ struct SmallTree
     ECBase *b = tree.Timed(root, EVENT_ID_MEASURE);
 };
 
-TEST(ACRelativesFirstTest, ChildrenAreVisitedBeforeTheirParent)
-{
-    SmallTree t;
-    Recorder action;
-    EXPECT_EQ(action.Apply(t.root), ACBase::ResultContinue);
-    EXPECT_EQ(action.visited, (std::vector<ECBase *>{t.a1, t.a2, t.a, t.b, t.root}));
-    // EndAction at every event, whatever the depth.
-    EXPECT_EQ(action.ends, 5);
-}
-
-TEST(ACRelativesFirstTest, ReverseVisitsTheParentsFirst)
-{
-    SmallTree t;
-    Recorder action(1);
-    action.Apply(t.a1);
-    EXPECT_EQ(action.visited, (std::vector<ECBase *>{t.root, t.a, t.a1}));
-}
-
 TEST(ACRelativesFirstTest, ChildResultDecidesWhetherTheParentRuns)
 {
     const struct
     {
-        int answerAtA1;
-        int expected;
-        std::vector<int> visits; // indexes into a1, a2, a, b, root
+        int answerAtA1, expected;
+        std::vector<int> visits; // a1, a2, a, b, root
+        int ends;                // every event entered ends, DoAction or not
     } cases[] = {
-        {-1, -1, {0}},
-        {2, 2, {0}},
-        {3, 0, {0, 2, 3, 4}},
-        {1, 0, {0, 1, 2, 3, 4}},
+        {0, 0, {0, 1, 2, 3, 4}, 5}, {-1, -1, {0}, 3},          {2, 2, {0}, 3},
+        {3, 0, {0, 2, 3, 4}, 4},    {1, 0, {0, 1, 2, 3, 4}, 5},
     };
     for (const auto &rc : cases)
     {
@@ -62,46 +41,28 @@ TEST(ACRelativesFirstTest, ChildResultDecidesWhetherTheParentRuns)
         for (int i : rc.visits)
             expected.push_back(all[i]);
         EXPECT_EQ(action.visited, expected) << rc.answerAtA1;
+        EXPECT_EQ(action.ends, rc.ends) << rc.answerAtA1;
     }
 }
 
-TEST(ACRelativesFirstTest, ClippedEventsAreEnteredAndAnswerSkip)
+TEST(ACRelativesFirstTest, ClipBypassAndDepthDoNotSpareDoAction)
 {
-    TestTree tree(new TestTimed(EVENT_ID_SLUR));
-    ECBase *note = tree.Timed(tree.Root(), EVENT_ID_NOTE);
-    Recorder action;
-    EXPECT_EQ(action.Apply(tree.Root()), ACBase::ResultSkip);
-    EXPECT_EQ(action.visited, (std::vector<ECBase *>{note, tree.Root()}));
-}
-
-TEST(ACRelativesFirstTest, BypassedEventsStillGetDoActionAndDoNotCountAsALevel)
-{
+    // staff -> tempo env -> tempo -> slur -> note
     TestTree tree(new TestTimed(EVENT_ID_STAFF));
     ECBase *env = tree.Timed(tree.Root(), EVENT_ID_TEMPO_ENV);
     ECBase *point = tree.Timed(env, EVENT_ID_TEMPO);
-    ECBase *deep = tree.Timed(point, EVENT_ID_TEXT);
-    Recorder action;
-    action.SetDepth(1);
-    action.Apply(tree.Root());
-    // Past the limit the point's list is skipped, but the point still runs.
-    EXPECT_EQ(action.visited, (std::vector<ECBase *>{point, env, tree.Root()}));
-    EXPECT_EQ(std::count(action.visited.begin(), action.visited.end(), deep), 0);
-    EXPECT_EQ(action.GetCurDepth(), 0);
-}
+    ECBase *slur = tree.Timed(point, EVENT_ID_SLUR);
+    ECBase *note = tree.Timed(slur, EVENT_ID_NOTE);
+    Recorder all;
+    EXPECT_EQ(all.Apply(slur), ACBase::ResultSkip);
+    all.Apply(tree.Root());
+    EXPECT_EQ(all.visited, (std::vector<ECBase *>{note, slur, note, slur, point, env, tree.Root()}));
 
-TEST(ACRelativesFirstTest, NullFailsAfterTheActionHasBegun)
-{
-    Recorder action;
-    EXPECT_EQ(action.Apply(static_cast<ECBase *>(nullptr)), ACBase::ResultFailed);
-    EXPECT_EQ(action.begins, 1);
-}
-
-TEST(ACRelativesFirstTest, ListApplyWalksEachEntryChildrenFirst)
-{
-    SmallTree t;
-    Recorder action;
-    EXPECT_EQ(action.Apply(t.root->GetChildren(), 0), ACBase::ResultContinue);
-    EXPECT_EQ(action.visited, (std::vector<ECBase *>{t.a1, t.a2, t.a, t.b}));
-    EXPECT_EQ(action.ends, 1);
+    // The bypassed envelope is no level: depth 1 reaches the point, whose
+    // own list is skipped.
+    Recorder limited;
+    limited.SetDepth(1);
+    limited.Apply(tree.Root());
+    EXPECT_EQ(limited.visited, (std::vector<ECBase *>{point, env, tree.Root()}));
 }
 } // namespace

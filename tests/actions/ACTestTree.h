@@ -1,9 +1,6 @@
-// Test-only events and a tree holder for the action tests.
-//
-// The concrete event classes live elsewhere and may not be built yet, so the
-// tests build trees from small events that answer whatever id a test needs:
-// TestTimed (children, a time and a voice/track word) and TestTimeless
-// (children, no time, no voice/track word).
+// Test-only events, a tree holder and a recording action for the action
+// tests. The concrete event classes may not be built yet, so the trees are
+// made of small events that answer whatever id a test needs.
 #pragma once
 
 #include <scoremodel/actions/ACBase.h>
@@ -12,9 +9,10 @@
 #include <scoremodel/events/base/ECWithTimeChild.h>
 #include <scoremodel/events/base/EventIds.h>
 
-#include <string>
+#include <utility>
 #include <vector>
 
+// Children, a time and a voice/track word.
 class TestTimed : public ECWithTimeChild
 {
 public:
@@ -24,10 +22,8 @@ public:
         SetTime(&t);
     }
     int GetEventId() const override { return m_id; }
-    // The flag byte is the base's; tests reach it to set the lyric bits.
     void SetFlagBits(BYTE bits) { m_flags = static_cast<BYTE>(m_flags | bits); }
 
-    // Events have protected destructors: only Unref deletes them.
 protected:
     ~TestTimed() override = default;
 
@@ -35,6 +31,7 @@ private:
     int m_id;
 };
 
+// Children, but no time and no voice/track word.
 class TestTimeless : public ECWithChild
 {
 public:
@@ -55,11 +52,6 @@ public:
     explicit TestTree(ECBase *root) : m_root(root) { m_root->Ref(); }
     ~TestTree()
     {
-        for (ECBase *extra : m_extraRoots)
-        {
-            extra->RemoveChildren(1);
-            extra->Unref(1);
-        }
         m_root->RemoveChildren(1);
         m_root->Unref(1);
     }
@@ -67,8 +59,6 @@ public:
     TestTree &operator=(const TestTree &) = delete;
 
     ECBase *Root() const { return m_root; }
-
-    // Appends `child` to `parent` (unsorted) and returns the child.
     template <class T>
     T *Add(ECBase *parent, T *child)
     {
@@ -78,22 +68,12 @@ public:
     TestTimed *Timed(ECBase *parent, int id, float time = 0.0f) { return Add(parent, new TestTimed(id, time)); }
     TestTimeless *Timeless(ECBase *parent, int id) { return Add(parent, new TestTimeless(id)); }
 
-    // Keeps another root alive for the life of the tree (for events reached
-    // from the root only as parents).
-    void Hold(ECBase *extra)
-    {
-        extra->Ref();
-        m_extraRoots.push_back(extra);
-    }
-
 private:
     ECBase *m_root;
-    std::vector<ECBase *> m_extraRoots;
 };
 
-// Records what a walk does: the events DoAction saw, the number of
-// BeginAction and EndAction calls; DoAction answers from a table by event,
-// 0 by default.
+// Records the events DoAction saw and the BeginAction/EndAction calls;
+// DoAction answers from `answers` by event, else as BASE does.
 template <class BASE>
 class RecordingAction : public BASE
 {
@@ -103,7 +83,7 @@ public:
     int BeginAction() override
     {
         ++begins;
-        return beginResult ? BASE::BeginAction() : 0;
+        return BASE::BeginAction();
     }
     int DoAction(ECBase *e) override
     {
@@ -123,10 +103,8 @@ public:
     std::vector<std::pair<ECBase *, int>> answers;
     int begins = 0;
     int ends = 0;
-    bool beginResult = true;
 };
 
-// The events of an action's found list, in order.
 template <class LIST>
 std::vector<ECBase *> ListOf(LIST &list)
 {

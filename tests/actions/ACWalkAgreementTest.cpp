@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 #include <unordered_set>
 
@@ -28,13 +29,13 @@ const int kIds[] = {EVENT_ID_MEASURE,    EVENT_ID_NOTE,   EVENT_ID_CHORD,       
 struct RandomGraph
 {
     std::vector<ECBase *> events;
-    TestTree *tree;
+    std::unique_ptr<TestTree> tree;
 
     RandomGraph(std::mt19937 &rng, int n, bool extraParents)
     {
         std::uniform_int_distribution<size_t> pickId(0, std::size(kIds) - 1);
         events.push_back(new TestTimed(kIds[pickId(rng)]));
-        tree = new TestTree(events[0]);
+        tree = std::make_unique<TestTree>(events[0]);
         for (int i = 1; i < n; ++i)
         {
             ECBase *e = new TestTimed(kIds[pickId(rng)]);
@@ -49,7 +50,6 @@ struct RandomGraph
             events.push_back(e);
         }
     }
-    ~RandomGraph() { delete tree; }
 };
 
 ECBase *FindFirstByAction(ECBase *start, int id, int depth, bool upward)
