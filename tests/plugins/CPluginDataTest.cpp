@@ -72,17 +72,3 @@ TEST(CPluginDataTest, BadSlotsAndBadClassesGiveNull)
     CPluginData::AddPlugin(nullptr);
     CPluginData::RemovePlugin(nullptr);
 }
-
-TEST(CPluginDataTest, EntryAccessors)
-{
-    CPluginData entry(RUNTIME_CLASS(DCPluginA), 5, 37);
-    EXPECT_EQ(entry.GetDataClass(), RUNTIME_CLASS(DCPluginA));
-    EXPECT_EQ(entry.GetViewCode(), 5);
-    EXPECT_EQ(entry.GetEventType(), 37);
-    entry.SetViewCode(6);
-    entry.SetEventType(12);
-    entry.SetDataClass(RUNTIME_CLASS(DCPluginB));
-    EXPECT_EQ(entry.GetViewCode(), 6);
-    EXPECT_EQ(entry.GetEventType(), 12);
-    EXPECT_EQ(entry.GetDataClass(), RUNTIME_CLASS(DCPluginB));
-}

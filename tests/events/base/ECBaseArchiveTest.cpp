@@ -2,6 +2,7 @@
 // shared children, rejected events, and clean-up after a broken stream.
 #include "events/base/EventTestSupport.h"
 
+#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/base/DCBase.h>
 #include <scoremodel/events/base/LCBase.h>
 #include <scoremodel/platform/CArchive.h>
@@ -83,6 +84,47 @@ T *LoadRoot(const Bytes &bytes, bool *failed = nullptr)
     if (failed)
         *failed = false;
     return root;
+}
+
+// Loads as a document of an old version would, for the scope's duration.
+class OldDocument
+{
+public:
+    explicit OldDocument(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~OldDocument() { SetActiveArchiveVersionSource(m_previous); }
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};
+
+Bytes Le32(int value)
+{
+    Bytes out(4);
+    std::memcpy(out.data(), &value, 4);
+    return out;
+}
+
+Bytes Cat(std::initializer_list<Bytes> parts)
+{
+    Bytes out;
+    for (const Bytes &p : parts)
+        out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+
+// The object record of a new class: tag, schema, name, then its body.
+Bytes NewObject(const char *name, WORD schema, const Bytes &body)
+{
+    Bytes out = {0xFF, 0xFF, static_cast<BYTE>(schema), static_cast<BYTE>(schema >> 8),
+                 static_cast<BYTE>(std::strlen(name)), 0};
+    out.insert(out.end(), name, name + std::strlen(name));
+    out.insert(out.end(), body.begin(), body.end());
+    return out;
 }
 
 void TearDownTree(ECBase *root)
@@ -307,4 +349,54 @@ TEST_F(ArchiveTest, PlainListAndFilterAndAttachmentRecords)
     EXPECT_EQ(f->IsEnabled(), 0);
     EXPECT_EQ(f->GetPriority(), 9);
     delete f;
+}
+
+TEST_F(ArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
+{
+    // Before version 3: flags with hasData, a count of 2, the objects of
+    // types 0 and 1 (slots 0 and 3) with the 12-byte DCBase record, then the
+    // time as a bare float (version 0) and the voice/track word.
+    Bytes dcBody = Cat({Le32(1), Le32(0x55), Le32(41), {0x00, 0x00}}); // flags, state, value, null owner
+    float time = 2.5f;
+    Bytes timeBytes(4);
+    std::memcpy(timeBytes.data(), &time, 4);
+    Bytes stream = Cat({NewObject("TestLeaf", 2, Cat({{0x01, 0x02, 0x00},
+                                                      NewObject("DCArchived", 2, dcBody),
+                                                      {0x00, 0x00}, // the second position is empty
+                                                      timeBytes,
+                                                      {0x12, 0x00}}))});
+    OldDocument old(0);
+    TestLeaf *leaf = LoadRoot<TestLeaf>(stream);
+    ASSERT_NE(leaf, nullptr);
+    EXPECT_EQ(leaf->GetData()->GetSize(), 4) << "positions 0 and 1 reach slot 3";
+    auto *data = dynamic_cast<DCArchived *>(leaf->GetData()->GetAt(0));
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->Value(), 41);
+    EXPECT_EQ(data->Value2(), 0) << "the old record has no second value";
+    EXPECT_EQ(data->GetOwner(), nullptr);
+    EXPECT_TRUE(*leaf->GetTime() == MCTime(2.5f));
+    EXPECT_EQ(leaf->GetVoice(), 2);
+    EXPECT_EQ(leaf->GetTrack(), 1);
+    leaf->Unref(1);
+}
+
+TEST_F(ArchiveTest, CurrentAttachmentLayoutIsReadFromVersionThree)
+{
+    CPluginData entry(RUNTIME_CLASS(DCArchived), 4, EVENT_ID_WITH_TIME);
+    CPluginData::AddPlugin(&entry);
+    TestLeaf *leaf = TestLeaf::Make(0);
+    leaf->Ref();
+    static_cast<DCArchived *>(leaf->GetData(4, 1))->SetValues(3, 4);
+    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
+    leaf->Unref(1);
+    CPluginData::RemovePlugin(&entry);
+    // flags, count 1, highest slot 2, code 4, ...
+    ASSERT_GE(bytes.size(), 20u);
+    OldDocument old(3);
+    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    auto *data = dynamic_cast<DCArchived *>(loaded->GetData()->GetAt(2));
+    ASSERT_NE(data, nullptr) << "type 4 lives in slot 2";
+    EXPECT_EQ(data->Value2(), 4);
+    loaded->Unref(1);
 }

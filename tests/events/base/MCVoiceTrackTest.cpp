@@ -55,9 +55,3 @@ TEST(MCVoiceTrackTest, ConvertedWordHidesVoiceAndTrack)
     EXPECT_EQ(vt.GetChannel(), 2);
     EXPECT_EQ(vt.GetDevice(), 0xC3) << "the low byte stays from the old word";
 }
-
-TEST(MCVoiceTrackTest, EqualityComparesTheRawWord)
-{
-    EXPECT_TRUE(MCVoiceTrack(1, 2) == MCVoiceTrack(1, 2));
-    EXPECT_TRUE(MCVoiceTrack(1, 2) != MCVoiceTrack(2, 1));
-}
