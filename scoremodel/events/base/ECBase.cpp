@@ -331,10 +331,12 @@ void ECBase::Serialize(CArchive &ar)
         return;
     }
 
-    // Loading over an event that already has attachments replaces them.
-    if (m_flags & FlagHasData)
+    BYTE flags = 0;
+    ar >> flags;
+    // Stored attachments replace any this event already had.
+    if (flags & FlagHasData)
         RemoveData(-1);
-    ar >> m_flags;
+    m_flags = flags;
     if (m_flags & FlagHasData)
         m_data.Serialize(ar);
     // The views' selection does not survive a save.

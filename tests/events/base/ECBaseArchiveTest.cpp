@@ -134,7 +134,7 @@ void TearDownTree(ECBase *root)
     root->Unref(1);
 }
 
-class ArchiveTest : public ::testing::Test
+class ECBaseArchiveTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -181,7 +181,7 @@ struct Score
 };
 } // namespace
 
-TEST_F(ArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
+TEST_F(ECBaseArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
 {
     Bytes bytes;
     {
@@ -210,7 +210,7 @@ TEST_F(ArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
     root->Unref(1);
 }
 
-TEST_F(ArchiveTest, RecordLayoutOfATimedEvent)
+TEST_F(ECBaseArchiveTest, RecordLayoutOfATimedEvent)
 {
     TestLeaf *leaf = TestLeaf::Make(1.5f);
     leaf->Ref();
@@ -226,7 +226,7 @@ TEST_F(ArchiveTest, RecordLayoutOfATimedEvent)
     leaf->Unref(1);
 }
 
-TEST_F(ArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
+TEST_F(ECBaseArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
 {
     TestLeaf *leaf = TestLeaf::Make(0);
     leaf->Ref();
@@ -240,7 +240,7 @@ TEST_F(ArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
     loaded->Unref(1);
 }
 
-TEST_F(ArchiveTest, ChildListedTwiceLoadsOnce)
+TEST_F(ECBaseArchiveTest, ChildListedTwiceLoadsOnce)
 {
     TestNode *parent = TestNode::Make(0);
     parent->Ref();
@@ -262,7 +262,7 @@ TEST_F(ArchiveTest, ChildListedTwiceLoadsOnce)
     loaded->Unref(1);
 }
 
-TEST_F(ArchiveTest, InvalidEventVanishesFromItsParentAndDies)
+TEST_F(ECBaseArchiveTest, InvalidEventVanishesFromItsParentAndDies)
 {
     int invalidBefore = TestInvalid::s_alive;
     TestNode *parent = TestNode::Make(0);
@@ -286,7 +286,7 @@ TEST_F(ArchiveTest, InvalidEventVanishesFromItsParentAndDies)
     loaded->Unref(1);
 }
 
-TEST_F(ArchiveTest, AttachmentsRoundTripInTheirSlots)
+TEST_F(ECBaseArchiveTest, AttachmentsRoundTripInTheirSlots)
 {
     CPluginData entry(RUNTIME_CLASS(DCArchived), 1, EVENT_ID_WITH_TIME);
     CPluginData::AddPlugin(&entry);
@@ -309,7 +309,7 @@ TEST_F(ArchiveTest, AttachmentsRoundTripInTheirSlots)
     loaded->Unref(1);
 }
 
-TEST_F(ArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
+TEST_F(ECBaseArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
 {
     Bytes bytes;
     {
@@ -328,7 +328,7 @@ TEST_F(ArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
     }
 }
 
-TEST_F(ArchiveTest, PlainListAndFilterAndAttachmentRecords)
+TEST_F(ECBaseArchiveTest, PlainListAndFilterAndAttachmentRecords)
 {
     LCBase filter;
     filter.SetEnabled(0);
@@ -351,7 +351,7 @@ TEST_F(ArchiveTest, PlainListAndFilterAndAttachmentRecords)
     delete f;
 }
 
-TEST_F(ArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
+TEST_F(ECBaseArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
 {
     // Before version 3: flags with hasData, a count of 2, the objects of
     // types 0 and 1 (slots 0 and 3) with the 12-byte DCBase record, then the
@@ -380,7 +380,7 @@ TEST_F(ArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
     leaf->Unref(1);
 }
 
-TEST_F(ArchiveTest, CurrentAttachmentLayoutIsReadFromVersionThree)
+TEST_F(ECBaseArchiveTest, CurrentAttachmentLayoutIsReadFromVersionThree)
 {
     CPluginData entry(RUNTIME_CLASS(DCArchived), 4, EVENT_ID_WITH_TIME);
     CPluginData::AddPlugin(&entry);

@@ -12,7 +12,7 @@
 
 namespace
 {
-class OwnershipTest : public ::testing::Test
+class ECOwnershipTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -50,7 +50,7 @@ struct SmallScore
 };
 } // namespace
 
-TEST_F(OwnershipTest, SubtreeDiesWhenItsLastHolderRemovesItDeeply)
+TEST_F(ECOwnershipTest, SubtreeDiesWhenItsLastHolderRemovesItDeeply)
 {
     SmallScore s;
     EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 4);
@@ -63,7 +63,7 @@ TEST_F(OwnershipTest, SubtreeDiesWhenItsLastHolderRemovesItDeeply)
     s.root->Unref(1);
 }
 
-TEST_F(OwnershipTest, EventInsideARemovedSubtreeSurvivesWhileSomethingHoldsIt)
+TEST_F(ECOwnershipTest, EventInsideARemovedSubtreeSurvivesWhileSomethingHoldsIt)
 {
     SmallScore s;
     s.note1->Ref(); // a command keeps the note for undo
@@ -77,7 +77,7 @@ TEST_F(OwnershipTest, EventInsideARemovedSubtreeSurvivesWhileSomethingHoldsIt)
     s.root->Unref(1);
 }
 
-TEST_F(OwnershipTest, ChildHeldOnlyByItsListDiesInsideRemoveChild)
+TEST_F(ECOwnershipTest, ChildHeldOnlyByItsListDiesInsideRemoveChild)
 {
     TestNode *parent = TestNode::Make();
     parent->Ref();
@@ -91,7 +91,7 @@ TEST_F(OwnershipTest, ChildHeldOnlyByItsListDiesInsideRemoveChild)
     parent->Unref(1);
 }
 
-TEST_F(OwnershipTest, ChildWithExtraReferenceSurvivesWithoutThatParent)
+TEST_F(ECOwnershipTest, ChildWithExtraReferenceSurvivesWithoutThatParent)
 {
     TestNode *parent = TestNode::Make();
     TestNode *other = TestNode::Make();
@@ -111,7 +111,7 @@ TEST_F(OwnershipTest, ChildWithExtraReferenceSurvivesWithoutThatParent)
     other->Unref(1);
 }
 
-TEST_F(OwnershipTest, RemoveChildOfANonChildTouchesNoCount)
+TEST_F(ECOwnershipTest, RemoveChildOfANonChildTouchesNoCount)
 {
     TestNode *parent = TestNode::Make();
     parent->Ref();
@@ -125,7 +125,7 @@ TEST_F(OwnershipTest, RemoveChildOfANonChildTouchesNoCount)
     parent->Unref(1);
 }
 
-TEST_F(OwnershipTest, AddingAChildTwiceIsRefusedAndChangesNothing)
+TEST_F(ECOwnershipTest, AddingAChildTwiceIsRefusedAndChangesNothing)
 {
     TestNode *parent = TestNode::Make();
     parent->Ref();
@@ -144,7 +144,7 @@ TEST_F(OwnershipTest, AddingAChildTwiceIsRefusedAndChangesNothing)
 
 // A note held by its measure, its beam and its tuplet comes apart cleanly
 // whatever the order in which the three let go.
-TEST_F(OwnershipTest, NoteWithThreeParentsComesApartInAnyOrder)
+TEST_F(ECOwnershipTest, NoteWithThreeParentsComesApartInAnyOrder)
 {
     std::array<int, 3> order = {0, 1, 2};
     do
@@ -186,7 +186,7 @@ TEST_F(OwnershipTest, NoteWithThreeParentsComesApartInAnyOrder)
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-TEST_F(OwnershipTest, NoteWithThreeParentsDiesWithTheLastDeepRemoval)
+TEST_F(ECOwnershipTest, NoteWithThreeParentsDiesWithTheLastDeepRemoval)
 {
     std::array<int, 3> order = {0, 1, 2};
     do
@@ -214,7 +214,7 @@ TEST_F(OwnershipTest, NoteWithThreeParentsDiesWithTheLastDeepRemoval)
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-TEST_F(OwnershipTest, RemoveFromParentsDetachesFromEveryParent)
+TEST_F(ECOwnershipTest, RemoveFromParentsDetachesFromEveryParent)
 {
     std::array<TestNode *, 3> parents = {TestNode::Make(), TestNode::Make(), TestNode::Make()};
     for (TestNode *p : parents)
@@ -236,7 +236,7 @@ TEST_F(OwnershipTest, RemoveFromParentsDetachesFromEveryParent)
         p->Unref(1);
 }
 
-TEST_F(OwnershipTest, ParentHeldOnlyByItsChildDiesAfterRemovingIt)
+TEST_F(ECOwnershipTest, ParentHeldOnlyByItsChildDiesAfterRemovingIt)
 {
     // Nobody took a reference on the parent: its child was its only holder,
     // so it goes when the child does, but not while RemoveChild still runs.
@@ -247,7 +247,7 @@ TEST_F(OwnershipTest, ParentHeldOnlyByItsChildDiesAfterRemovingIt)
     EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
 }
 
-TEST_F(OwnershipTest, ContainerDestroyedWithChildrenReleasesThem)
+TEST_F(ECOwnershipTest, ContainerDestroyedWithChildrenReleasesThem)
 {
     // A child entered in the list directly holds no link back, so the
     // container can die with the child still listed; the destructor must
@@ -262,7 +262,7 @@ TEST_F(OwnershipTest, ContainerDestroyedWithChildrenReleasesThem)
     EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
 }
 
-TEST_F(OwnershipTest, CyclicGraphCanStillBeTornDown)
+TEST_F(ECOwnershipTest, CyclicGraphCanStillBeTornDown)
 {
     // Only a corrupt document makes a cycle, but tearing it down must end.
     TestNode *a = TestNode::Make();
@@ -276,7 +276,7 @@ TEST_F(OwnershipTest, CyclicGraphCanStillBeTornDown)
     EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
 }
 
-TEST_F(OwnershipTest, FreshEventIsReleasedByUnrefAlone)
+TEST_F(ECOwnershipTest, FreshEventIsReleasedByUnrefAlone)
 {
     TestLeaf *leaf = TestLeaf::Make();
     EXPECT_EQ(leaf->GetRefCount(), 0);
@@ -289,7 +289,7 @@ TEST_F(OwnershipTest, FreshEventIsReleasedByUnrefAlone)
     EXPECT_EQ(kept->Unref(1), 0);
 }
 
-TEST_F(OwnershipTest, ParentOfManyChildrenKeepsAnExactCount)
+TEST_F(ECOwnershipTest, ParentOfManyChildrenKeepsAnExactCount)
 {
     // More children than a 16-bit count could hold references for.
     TestNode *parent = TestNode::Make();
@@ -307,7 +307,7 @@ TEST_F(OwnershipTest, ParentOfManyChildrenKeepsAnExactCount)
 // Random trees with shared children and extra holders, built and torn down.
 // After every step each living event's count equals what holds it, and no
 // event is alive at count 0.
-TEST_F(OwnershipTest, RandomTreesKeepCountsExactAndLeaveNothingBehind)
+TEST_F(ECOwnershipTest, RandomTreesKeepCountsExactAndLeaveNothingBehind)
 {
     std::mt19937 rng(20240611);
     for (int round = 0; round < 40; ++round)

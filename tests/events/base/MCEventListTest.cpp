@@ -16,10 +16,10 @@ namespace
 using EventList = CTypedPtrList<MCEventList, ECBase *>;
 
 // Events that outlive one list: the fixture holds one reference on each.
-class EventListTest : public ::testing::Test
+class MCEventListTest : public ::testing::Test
 {
 protected:
-    ~EventListTest() override
+    ~MCEventListTest() override
     {
         for (ECBase *e : m_held)
             e->Unref(1);
@@ -59,7 +59,7 @@ std::vector<ECBase *> LiteralExchangeSort(std::vector<ECBase *> v, MCEventList::
 }
 } // namespace
 
-TEST_F(EventListTest, NodesHoldOneReferenceEach)
+TEST_F(MCEventListTest, NodesHoldOneReferenceEach)
 {
     TestLeaf *a = Leaf(0);
     {
@@ -73,7 +73,7 @@ TEST_F(EventListTest, NodesHoldOneReferenceEach)
     EXPECT_EQ(a->GetRefCount(), 1) << "the list's destructor releases its elements";
 }
 
-TEST_F(EventListTest, SetAtRefsTheNewElementBeforeReleasingTheOld)
+TEST_F(MCEventListTest, SetAtRefsTheNewElementBeforeReleasingTheOld)
 {
     TestLeaf *a = Leaf(0);
     TestLeaf *b = Leaf(1);
@@ -89,7 +89,7 @@ TEST_F(EventListTest, SetAtRefsTheNewElementBeforeReleasingTheOld)
     EXPECT_EQ(list.GetCount(), 1);
 }
 
-TEST_F(EventListTest, LastNodeReleasesAnUnheldEvent)
+TEST_F(MCEventListTest, LastNodeReleasesAnUnheldEvent)
 {
     int before = TestLeaf::s_alive;
     EventList list;
@@ -98,7 +98,7 @@ TEST_F(EventListTest, LastNodeReleasesAnUnheldEvent)
     EXPECT_EQ(TestLeaf::s_alive, before);
 }
 
-TEST_F(EventListTest, EqualTimesKeepTheirOrderOfAdding)
+TEST_F(MCEventListTest, EqualTimesKeepTheirOrderOfAdding)
 {
     EventList list;
     TestLeaf *first = Leaf(1);
@@ -112,7 +112,7 @@ TEST_F(EventListTest, EqualTimesKeepTheirOrderOfAdding)
     EXPECT_EQ(Elements(list), (std::vector<ECBase *>{early, first, second, third}));
 }
 
-TEST_F(EventListTest, TimelessEventsGoToTheHeadAndNeverMatchFindTime)
+TEST_F(MCEventListTest, TimelessEventsGoToTheHeadAndNeverMatchFindTime)
 {
     EventList list;
     TestLeaf *a = Leaf(1);
@@ -129,7 +129,7 @@ TEST_F(EventListTest, TimelessEventsGoToTheHeadAndNeverMatchFindTime)
     EXPECT_EQ(list.FindTimeReverse(&veryEarly), nullptr) << "TimeNull is before every time";
 }
 
-TEST_F(EventListTest, FindTimeLooksStrictlyLaterAndReverseNotLater)
+TEST_F(MCEventListTest, FindTimeLooksStrictlyLaterAndReverseNotLater)
 {
     EventList list;
     TestLeaf *t0 = Leaf(0), *t1 = Leaf(1), *t2 = Leaf(2);
@@ -145,7 +145,7 @@ TEST_F(EventListTest, FindTimeLooksStrictlyLaterAndReverseNotLater)
     EXPECT_EQ(list.FindTime(nullptr), nullptr);
 }
 
-TEST_F(EventListTest, FindEventInBothDirections)
+TEST_F(MCEventListTest, FindEventInBothDirections)
 {
     EventList list;
     TestLeaf *a = Leaf(0, EVENT_ID_NOTE), *b = Leaf(1, EVENT_ID_REST), *c = Leaf(2, EVENT_ID_NOTE);
@@ -160,7 +160,7 @@ TEST_F(EventListTest, FindEventInBothDirections)
     EXPECT_EQ(list.ContainsEventType(EVENT_ID_CLEF), 0);
 }
 
-TEST_F(EventListTest, GetEventTypeCanLookPastMeasures)
+TEST_F(MCEventListTest, GetEventTypeCanLookPastMeasures)
 {
     struct Case
     {
@@ -185,7 +185,7 @@ TEST_F(EventListTest, GetEventTypeCanLookPastMeasures)
     }
 }
 
-TEST_F(EventListTest, GetEventTypesAppendsNewIdsInListOrder)
+TEST_F(MCEventListTest, GetEventTypesAppendsNewIdsInListOrder)
 {
     EventList list;
     for (int id : {EVENT_ID_REST, EVENT_ID_NOTE, EVENT_ID_REST, EVENT_ID_CLEF})
@@ -197,7 +197,7 @@ TEST_F(EventListTest, GetEventTypesAppendsNewIdsInListOrder)
     EXPECT_EQ(ids[2], EVENT_ID_CLEF);
 }
 
-TEST_F(EventListTest, RemoveEventTypeMovesInOrderWithoutLosingAnEvent)
+TEST_F(MCEventListTest, RemoveEventTypeMovesInOrderWithoutLosingAnEvent)
 {
     int before = TestLeaf::s_alive;
     EventList list;
@@ -217,7 +217,7 @@ TEST_F(EventListTest, RemoveEventTypeMovesInOrderWithoutLosingAnEvent)
     EXPECT_EQ(TestLeaf::s_alive, before);
 }
 
-TEST_F(EventListTest, RemoveDuplicatesKeepsTheLastOccurrence)
+TEST_F(MCEventListTest, RemoveDuplicatesKeepsTheLastOccurrence)
 {
     TestLeaf *a = Leaf(0), *b = Leaf(1), *c = Leaf(2);
     EventList list;
@@ -228,7 +228,7 @@ TEST_F(EventListTest, RemoveDuplicatesKeepsTheLastOccurrence)
     EXPECT_EQ(a->GetRefCount(), 2);
 }
 
-TEST_F(EventListTest, AddEventsAndRemoveEvents)
+TEST_F(MCEventListTest, AddEventsAndRemoveEvents)
 {
     TestLeaf *a = Leaf(2), *b = Leaf(0), *c = Leaf(1);
     EventList source;
@@ -248,7 +248,7 @@ TEST_F(EventListTest, AddEventsAndRemoveEvents)
     EXPECT_EQ(plain.RemoveEvent(a), 0);
 }
 
-TEST_F(EventListTest, SortOfSortedListChangesNothing)
+TEST_F(MCEventListTest, SortOfSortedListChangesNothing)
 {
     EventList list;
     std::vector<ECBase *> expected;
@@ -265,7 +265,7 @@ TEST_F(EventListTest, SortOfSortedListChangesNothing)
 // The sort must give the exchange sort's order in every case: ties, events
 // without a time, bar/pulse/tick times and NaN (where the comparison is not
 // an order at all) included.
-TEST_F(EventListTest, SortMatchesTheLiteralExchangeSortOnRandomInput)
+TEST_F(MCEventListTest, SortMatchesTheLiteralExchangeSortOnRandomInput)
 {
     std::mt19937 rng(7);
     for (int round = 0; round < 300; ++round)
@@ -305,7 +305,7 @@ TEST_F(EventListTest, SortMatchesTheLiteralExchangeSortOnRandomInput)
     }
 }
 
-TEST_F(EventListTest, SortWithACustomComparisonIsTheExchangeSort)
+TEST_F(MCEventListTest, SortWithACustomComparisonIsTheExchangeSort)
 {
     std::mt19937 rng(11);
     std::vector<ECBase *> events;
@@ -319,7 +319,7 @@ TEST_F(EventListTest, SortWithACustomComparisonIsTheExchangeSort)
     EXPECT_EQ(Elements(list), LiteralExchangeSort(events, byIdDescending));
 }
 
-TEST_F(EventListTest, DefaultComparisonPutsTimelessEventsFirst)
+TEST_F(MCEventListTest, DefaultComparisonPutsTimelessEventsFirst)
 {
     ECBase *none = Timeless();
     TestLeaf *early = Leaf(0), *late = Leaf(1);
@@ -331,7 +331,7 @@ TEST_F(EventListTest, DefaultComparisonPutsTimelessEventsFirst)
     EXPECT_EQ(MCEventList::CompareTime(early, Leaf(0)), 0);
 }
 
-TEST_F(EventListTest, LongListStillRefusesAndFindsExactly)
+TEST_F(MCEventListTest, LongListStillRefusesAndFindsExactly)
 {
     // Past the index threshold the membership index answers; it must agree
     // with the list through every kind of change.
@@ -363,7 +363,7 @@ TEST_F(EventListTest, LongListStillRefusesAndFindsExactly)
     EXPECT_FALSE(list.Contains(leaves[10]));
 }
 
-TEST_F(EventListTest, CollapseToAncestorsKeepsTheTopmostEvents)
+TEST_F(MCEventListTest, CollapseToAncestorsKeepsTheTopmostEvents)
 {
     TestNode *measure = TestNode::Make(0);
     Hold(measure);
@@ -393,7 +393,7 @@ TEST_F(EventListTest, CollapseToAncestorsKeepsTheTopmostEvents)
     measure->RemoveChildren(1);
 }
 
-TEST_F(EventListTest, ReplaceMirrorsOnAListWithoutMirrorsOnlyDeduplicates)
+TEST_F(MCEventListTest, ReplaceMirrorsOnAListWithoutMirrorsOnlyDeduplicates)
 {
     TestLeaf *a = Leaf(0), *b = Leaf(1);
     EventList list;
