@@ -50,12 +50,12 @@
 //     CMemFile mem;
 //     {
 //         CArchive ar(&mem, CArchive::store);
-//         ar << pScore;                       // WriteObject
+//         ar << pShape;                       // WriteObject
 //     }                                       // flushed at destruction
 //     mem.SeekToBegin();
 //     CArchive ar(&mem, CArchive::load);
-//     ECScore *pLoaded = nullptr;
-//     try { ar >> pLoaded; }                  // ReadObject(RUNTIME_CLASS(ECScore))
+//     CShape *pLoaded = nullptr;              // a DECLARE_SERIAL class
+//     try { ar >> pLoaded; }                  // ReadObject(RUNTIME_CLASS(CShape))
 //     catch (const CArchiveException &) { /* release ar.GetLoadedObjects() */ }
 #pragma once
 

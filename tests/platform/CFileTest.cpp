@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <sys/stat.h>
@@ -21,13 +22,9 @@ protected:
     {
         m_dir = ::testing::TempDir() + "/cfiletest_" + std::to_string(::getpid()) + "_" +
                 ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        ::mkdir(m_dir.c_str(), 0700);
+        std::filesystem::create_directories(m_dir);
     }
-    void TearDown() override
-    {
-        const std::string cmd = "rm -rf '" + m_dir + "'";
-        EXPECT_EQ(std::system(cmd.c_str()), 0);
-    }
+    void TearDown() override { std::filesystem::remove_all(m_dir); }
     std::string Path(const char *leaf) const { return m_dir + "/" + leaf; }
 
     std::string m_dir;
