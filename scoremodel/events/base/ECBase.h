@@ -22,6 +22,8 @@
 //
 // An operation never destroys the event it runs on while it runs: a parent
 // whose last holder was the child it removes dies when RemoveChild returns.
+// An event that nobody held (count 0) is never destroyed by an operation on
+// it; its creator releases it with Unref(1).
 //
 // Flags: bit 0 hasData (a serialisable attachment exists), bit 1
 // hasChildren (the child list is not empty), bits 2-3 the selection field,
@@ -220,17 +222,19 @@ protected:
     void SetSpareByte(BYTE value) { m_spare = value; }
 
     // Keeps an event alive across an operation that may release its last
-    // holder; the event dies, if it must, when the guard ends.
+    // holder: if the operation does, the event dies when the guard ends. An
+    // event that nobody held when the guard began is left alive, as it was.
     class KeepAlive
     {
     public:
-        explicit KeepAlive(ECBase *event) : m_event(event) { m_event->Ref(); }
-        ~KeepAlive() { m_event->Unref(1); }
+        explicit KeepAlive(ECBase *event) : m_event(event), m_wasHeld(event->GetRefCount() > 0) { m_event->Ref(); }
+        ~KeepAlive() { m_event->Unref(m_wasHeld ? 1 : 0); }
         KeepAlive(const KeepAlive &) = delete;
         KeepAlive &operator=(const KeepAlive &) = delete;
 
     private:
         ECBase *m_event;
+        bool m_wasHeld;
     };
 
     // Internal state bits, in a byte that costs no space (see below).

@@ -446,3 +446,16 @@ TEST_F(ECOwnershipTest, RandomTreesKeepCountsExactAndLeaveNothingBehind)
         ASSERT_EQ(TestNode::s_alive, m_nodesBefore) << "round " << round;
     }
 }
+
+TEST_F(ECOwnershipTest, OperationsOnAnUnheldContainerLeaveItToItsCreator)
+{
+    // Count 0: nobody holds it, so emptying it must not destroy it under its
+    // creator's hands.
+    TestNode *box = TestNode::Make();
+    box->GetChildren()->AddTail(TestLeaf::Make());
+    box->RemoveChildren(1);
+    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 1);
+    EXPECT_EQ(box->GetRefCount(), 0);
+    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
+    box->Unref(1);
+}
