@@ -58,16 +58,6 @@ constexpr Spelling DegreeEntry(int degree, int pc)
             static_cast<signed char>(correction)};
 }
 
-// The whole outcome of SetPitchByDegree by asked degree and pitch class,
-// worked out once: the walks are short but a lookup is what callers on a hot
-// path (respelling a whole staff) want.
-//
-// Past double sharp the degree walks up, wrapping from B to C. Past double
-// flat it walks down until it reaches double sharp or more. Where that walk
-// would pass below C (E asked for pitch class 0, say) there is no degree left
-// to aim at; the pitch then gets the spelling SetPitch gives a natural, C
-// natural or C sharp and so on, rather than a wrap to B that would end on
-// spellings like A triple sharp.
 constexpr Spelling LookUpSpelling(int alteration, int pc)
 {
     if (alteration < -2 || alteration > 2)
@@ -83,6 +73,16 @@ constexpr Spelling NaturalOrSharp(int pc)
     return natural.degree >= 0 ? natural : LookUpSpelling(1, pc);
 }
 
+// The whole outcome of SetPitchByDegree by asked degree and pitch class,
+// worked out once: the walks are short but a lookup is what callers on a hot
+// path (respelling a whole staff) want.
+//
+// Past double sharp the degree walks up, wrapping from B to C. Past double
+// flat it walks down until it reaches double sharp or more. Where that walk
+// would pass below C (E asked for pitch class 0, say) there is no degree left
+// to aim at; the pitch then gets the spelling SetPitch gives a natural, C
+// natural or C sharp and so on, rather than a wrap to B that would end on
+// spellings like A triple sharp.
 constexpr std::array<std::array<Spelling, 12>, 7> kByDegree = [] {
     std::array<std::array<Spelling, 12>, 7> table{};
     for (int asked = 0; asked < 7; ++asked)

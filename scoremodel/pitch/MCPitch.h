@@ -78,6 +78,9 @@ public:
     // until it reaches a double sharp or more, wrapping from C to B. So the
     // result can be a triple sharp (alteration 3): G asked for pitch class 3
     // gives C with alteration 3. This lopsided walk is wanted; do not mirror it.
+    // Where the downward walk would pass below C (E asked for pitch class 0,
+    // C asked for pitch class 7, ...), the pitch gets the spelling
+    // SetPitch(pitch, 0, ...) gives: the natural, or the sharp on a black key.
     // Sets the MIDI pitch and show accidental, clears dirty.
     void SetPitchByDegree(unsigned char pitch, unsigned char degree);
     // Moves to the next spelling of the same MIDI pitch in the pitch class's
