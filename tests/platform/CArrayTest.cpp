@@ -408,22 +408,15 @@ TEST(CArraySerialize, ScalarElementsAreLittleEndianAtThePlatformWidths)
     EXPECT_EQ(loaded[0].bits, 0x0102);
 }
 
-TEST(CArraySerialize, StringsAndDoublesComeBackUnchanged)
+TEST(CArraySerialize, StringArrayComesBackUnchanged)
 {
     CStringArray names;
     names.Add(L"Fl\u00f6te");
     names.Add(L"");
     names.Add(L"\U0001D11E clef");
-    CStringArray loadedNames;
-    Load(Store(names), loadedNames);
-    EXPECT_EQ(Contents(loadedNames), Contents(names));
-
-    CArray<double, double> values;
-    values.Add(-0.125);
-    values.Add(1e300);
-    CArray<double, double> loadedValues;
-    Load(Store(values), loadedValues);
-    EXPECT_EQ(Contents(loadedValues), Contents(values));
+    CStringArray loaded;
+    Load(Store(names), loaded);
+    EXPECT_EQ(Contents(loaded), Contents(names));
 }
 
 TEST(CArraySerialize, ObjectArrayStoresASharedObjectOnceAndKeepsNulls)
