@@ -118,33 +118,6 @@ bool ACBase::EnsureBegun()
     return m_bBegun;
 }
 
-bool ACBase::EnterLevel(bool bypassed)
-{
-    if (bypassed || m_nDepth == kNoDepthLimit)
-        return true;
-    ++m_nCurDepth;
-    if (m_nCurDepth > m_nDepth)
-    {
-        --m_nCurDepth;
-        return false;
-    }
-    return true;
-}
-
-void ACBase::LeaveLevel(bool bypassed)
-{
-    if (!bypassed && m_nDepth != kNoDepthLimit)
-        --m_nCurDepth;
-}
-
-bool ACBase::EnterNesting()
-{
-    if (m_nNesting >= kMaxNesting)
-        return false;
-    ++m_nNesting;
-    return true;
-}
-
 ACBase::EventList *ACBase::GetFollowList(ECBase *e)
 {
     return m_bReverse ? e->GetParents() : e->GetChildren();
@@ -174,13 +147,11 @@ int ACBase::Apply(ECBase *e)
     EventList *list = GetFollowList(e);
     if (list && !list->IsEmpty())
     {
-        if (!EnterLevel(bypassed))
+        LevelScope level(*this, bypassed);
+        if (level.GetState() == LevelScope::DepthPassed)
             return ResultSkip;
-        if (!EnterNesting())
-        {
-            LeaveLevel(bypassed);
+        if (level.GetState() == LevelScope::TooDeep)
             return ResultFailed;
-        }
         for (POSITION pos = list->GetHeadPosition(); pos;)
         {
             ECBase *child = list->GetNext(pos);
@@ -194,8 +165,6 @@ int ACBase::Apply(ECBase *e)
             if (childResult == ResultLeave)
                 break;
         }
-        LeaveNesting();
-        LeaveLevel(bypassed);
     }
 
     if (m_nCurDepth == 0 && !m_bInList)

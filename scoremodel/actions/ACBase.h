@@ -181,13 +181,54 @@ protected:
     // The bookkeeping of the walk, for Apply overrides that walk their own way.
     // Runs BeginAction when it has not run; false when it refused.
     bool EnsureBegun();
-    // Enters a level below `bypassed` (an event not bypassed counts under a
-    // depth limit); false, with nothing changed, when the limit is passed.
-    bool EnterLevel(bool bypassed);
-    void LeaveLevel(bool bypassed);
-    // Counts one recursion; false when kMaxNesting is reached.
-    bool EnterNesting();
-    void LeaveNesting() { --m_nNesting; }
+
+    // One level below an event, for the life of the scope: counts the depth
+    // (for an event not bypassed, under a depth limit) and the recursion, and
+    // takes both back when the scope ends, even through an exception. When
+    // the level could not be entered nothing is counted: State() says why.
+    class LevelScope
+    {
+    public:
+        enum State
+        {
+            Entered,
+            DepthPassed, // past the depth limit
+            TooDeep      // kMaxNesting reached: a cycle
+        };
+
+        LevelScope(ACBase &action, bool bypassed)
+            : m_action(action), m_counted(!bypassed && action.m_nDepth != kNoDepthLimit)
+        {
+            if (m_counted && action.m_nCurDepth >= action.m_nDepth)
+                m_state = DepthPassed;
+            else if (action.m_nNesting >= kMaxNesting)
+                m_state = TooDeep;
+            else
+            {
+                m_state = Entered;
+                ++action.m_nNesting;
+                if (m_counted)
+                    ++action.m_nCurDepth;
+            }
+        }
+        ~LevelScope()
+        {
+            if (m_state != Entered)
+                return;
+            --m_action.m_nNesting;
+            if (m_counted)
+                --m_action.m_nCurDepth;
+        }
+        LevelScope(const LevelScope &) = delete;
+        LevelScope &operator=(const LevelScope &) = delete;
+
+        State GetState() const { return m_state; }
+
+    private:
+        ACBase &m_action;
+        bool m_counted;
+        State m_state;
+    };
 
     // The same tests by id, for code that already holds the id.
     bool IsClippedId(int id) const;

@@ -19,22 +19,21 @@ int ACRelativesFirst::Apply(ECBase *e)
     int result = ResultContinue;
 
     EventList *list = GetFollowList(e);
-    if (list && !list->IsEmpty() && EnterLevel(bypassed))
+    if (list && !list->IsEmpty())
     {
-        if (!EnterNesting())
-        {
-            LeaveLevel(bypassed);
+        LevelScope level(*this, bypassed);
+        if (level.GetState() == LevelScope::TooDeep)
             return ResultFailed;
-        }
-        for (POSITION pos = list->GetHeadPosition(); pos;)
+        // Past the depth limit the list is skipped and the event still runs.
+        if (level.GetState() == LevelScope::Entered)
         {
-            ECBase *relative = list->GetNext(pos);
-            result = Apply(relative);
-            if (result == ResultFailed || result == ResultStop || result == ResultLeave)
-                break;
+            for (POSITION pos = list->GetHeadPosition(); pos;)
+            {
+                result = Apply(list->GetNext(pos));
+                if (result == ResultFailed || result == ResultStop || result == ResultLeave)
+                    break;
+            }
         }
-        LeaveNesting();
-        LeaveLevel(bypassed);
     }
 
     if (result != ResultFailed && result != ResultStop)

@@ -1,5 +1,7 @@
 #include "ACTestTree.h"
 
+#include <scoremodel/platform/Exceptions.h>
+
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -171,6 +173,29 @@ TEST(ACBaseTest, CycleInACorruptGraphFailsInsteadOfOverflowingTheStack)
     Recorder action;
     EXPECT_EQ(action.Apply(tree.Root()), ACBase::ResultFailed);
     a->RemoveChild(tree.Root(), 0);
+}
+
+TEST(ACBaseTest, ExceptionFromDoActionLeavesTheLevelCountsClean)
+{
+    SmallTree t;
+    struct Throwing : Recorder
+    {
+        ECBase *bad = nullptr;
+        int DoAction(ECBase *e) override
+        {
+            if (e == bad)
+                throw CInvalidArgException();
+            return Recorder::DoAction(e);
+        }
+    } action;
+    action.bad = t.a1;
+    action.SetDepth(2);
+    EXPECT_THROW(action.Apply(t.root), CInvalidArgException);
+    EXPECT_EQ(action.GetCurDepth(), 0);
+    action.bad = nullptr;
+    action.visited.clear();
+    action.Apply(t.root);
+    EXPECT_EQ(action.visited.size(), 6u);
 }
 
 TEST(ACBaseTest, DoActionMayRemoveItsOwnEventAndTheWalkGoesOn)
