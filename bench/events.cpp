@@ -6,9 +6,11 @@
 //                     under parents of 32 children (no index) and of 1000
 //                     children (with the membership index): the event, its
 //                     node in the parent's list and its parent link
-//   AddChild/N        N children appended in time order to one parent with
-//                     AddChild(child, 1): the double check and the sorted
-//                     insertion must both be O(1)
+//   AddChild/N        N new children appended in time order to one parent
+//                     with AddChild(child, 1): the sorted insertion is O(1)
+//                     and a new child needs no double check
+//   AddChildHeld/N    the same with children already held, so that every
+//                     AddChild asks the membership index
 //   AddEvent/N        N events appended in time order to a list, sorted
 //   SortSorted/N      Sort() of a sorted list of N events
 //
@@ -74,6 +76,31 @@ void BM_AddChild(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * n);
 }
 
+// The same with every child already held (as a command holds what it adds),
+// so that each AddChild asks the parent's membership index.
+void BM_AddChildHeld(benchmark::State &state)
+{
+    const int n = static_cast<int>(state.range(0));
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        ECBase *parent = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
+        parent->Ref();
+        std::vector<ECBase *> leaves = MakeLeaves(n);
+        for (ECBase *leaf : leaves)
+            leaf->Ref();
+        state.ResumeTiming();
+        for (ECBase *leaf : leaves)
+            parent->AddChild(leaf, 1);
+        state.PauseTiming();
+        for (ECBase *leaf : leaves)
+            leaf->Unref(1);
+        ReleaseTree(parent);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+}
+
 void BM_AddEvent(benchmark::State &state)
 {
     const int n = static_cast<int>(state.range(0));
@@ -106,6 +133,7 @@ void BM_SortSorted(benchmark::State &state)
 }
 
 BENCHMARK(BM_AddChild)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AddChildHeld)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AddEvent)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SortSorted)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
 

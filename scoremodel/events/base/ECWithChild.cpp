@@ -48,7 +48,11 @@ ECBase::EventList *ECWithChild::GetChildren()
 
 int ECWithChild::AddChild(ECBase *child, int sorted)
 {
-    if (!child || child == this || m_children.Contains(child))
+    if (!child || child == this)
+        return 0;
+    // Every list node holds a reference, so an event nobody holds (a new
+    // one, the common case) is in no list and needs no search.
+    if (child->GetRefCount() > 0 && m_children.Contains(child))
         return 0;
     m_children.AddEvent(child, sorted);
     child->AddParent(this);

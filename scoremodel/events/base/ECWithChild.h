@@ -6,10 +6,12 @@
 // AddChild, RemoveChild and RemoveChildren; whoever edits GetChildren()
 // directly keeps them in step himself.
 //
-// AddChild refuses a child already in the list. For short lists that is a
-// walk of the list; a long list keeps a membership index (see MCObList), so
-// adding a child stays O(1) at any length and appending in time order with
-// `sorted` never searches.
+// AddChild refuses a child already in the list. A child that nobody holds
+// (reference count 0, as every new event) cannot be in any list, since each
+// list node holds a reference, so it is added without a search. Otherwise a
+// short list is walked, and a long list answers from its membership index
+// (see MCObList): adding a child stays O(1) at any length, and appending in
+// time order with `sorted` finds its place at the tail at once.
 //
 // The destructor removes the remaining children deeply, so the last holder of
 // a container takes its subtree down with it.

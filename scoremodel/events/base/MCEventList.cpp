@@ -179,7 +179,8 @@ void MCEventList::SerializeFromParent(CArchive &ar, ECBase *parent)
                 ECBase::NoteReleasedDuringLoad(event);
             continue;
         }
-        if (Contains(event))
+        // A list node holds a reference: an event nobody holds is not here.
+        if (event->GetRefCount() > 0 && Contains(event))
             continue;
         AddTail(event);
         if (parent)
