@@ -79,8 +79,11 @@ bool MakeKeys(ECBase *const *elements, size_t count, std::vector<TimeKey> &keys)
 void ExchangeSortKeys(ECBase **elements, std::vector<TimeKey> &keys)
 {
     const size_t n = keys.size();
-    if (n < 2)
-        return;
+    size_t sortedUpTo = 1;
+    while (sortedUpTo < n && CompareKeys(keys[sortedUpTo - 1], keys[sortedUpTo]) <= 0)
+        ++sortedUpTo;
+    if (sortedUpTo >= n)
+        return; // in order already: no pass would swap
     // minBehind[i]: the index of a minimal key among positions i..n-1.
     std::vector<size_t> minBehind(n);
     auto rebuild = [&](size_t from) {
