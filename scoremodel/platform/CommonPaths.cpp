@@ -66,7 +66,7 @@ std::string UserFolder()
     const std::string redirect = GetEnv("SCOREMODEL_USER_DIR");
     if (!redirect.empty())
         return StripTrailingSlashes(redirect);
-    // The base directory specification says a relative value is to be ignored.
+    // A relative XDG_CONFIG_HOME is to be ignored, as the XDG rules say.
     const std::string xdg = GetEnv("XDG_CONFIG_HOME");
     if (!xdg.empty() && xdg.front() == '/')
         return Join(StripTrailingSlashes(xdg), "scoremodel");

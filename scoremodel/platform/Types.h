@@ -13,8 +13,8 @@ typedef std::uint16_t WORD;
 typedef std::uint32_t DWORD;
 typedef std::int32_t LONG;
 typedef std::uint32_t ULONG;
-typedef std::int64_t LONGLONG;
-typedef std::uint64_t ULONGLONG;
+typedef long long LONGLONG; // not int64_t: that is `long` here, which the archive writes as 4 bytes
+typedef unsigned long long ULONGLONG;
 typedef unsigned int UINT;
 typedef int BOOL;
 typedef std::uintptr_t UINT_PTR;
