@@ -1,0 +1,147 @@
+#include <scoremodel/commands/CCBase.h>
+
+#include <scoremodel/commands/MCCommandMgr.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+
+IMPLEMENT_DYNCREATE(CCBase, CObject)
+
+namespace
+{
+// The mirror list of an event that holds mirrors, or null. Clefs, keys,
+// meters, tempi and the texts of type 21 and 22 hold them; those classes
+// join the library with the signatures and texts, and until then no event
+// holds a mirror list.
+CCBase::EventList *MirrorsOf(ECBase *event)
+{
+    switch (event->GetEventId())
+    {
+    case EVENT_ID_CLEF:
+    case EVENT_ID_KEY:
+    case EVENT_ID_METER:
+    case EVENT_ID_TEMPO:
+    case EVENT_ID_TEXT:
+    default:
+        return nullptr;
+    }
+}
+
+// A mirror lets go of the event it stands for, before it leaves the tree.
+void ReleaseMirrorSource(ECBase *mirror)
+{
+    if (mirror->GetEventId() != EVENT_ID_MIRROR)
+        return;
+    // The mirror class joins the library with the signatures; nothing to do
+    // before it does.
+}
+} // namespace
+
+CCBase::CCBase()
+    : m_bSynchronous(0), m_bCanUndo(1), m_bRecordUndo(0), m_bRecordNotify(0), m_bUndoing(0), m_nPhase(PhasePrepare)
+{
+}
+
+CCBase::~CCBase()
+{
+    delete m_pDiscardList;
+}
+
+int CCBase::GetCommandId()
+{
+    return COMMAND_ID_BASE;
+}
+
+int CCBase::Apply(ECPerformance *document)
+{
+    return MCCommandMgr::ApplyCommand(this, document);
+}
+
+int CCBase::Prepare()
+{
+    m_pConductor = m_pTarget ? m_pTarget->GetConductor() : nullptr;
+    return m_pConductor ? 1 : 0;
+}
+
+int CCBase::Process()
+{
+    ProcessDiscardList();
+    return 1;
+}
+
+int CCBase::Finish()
+{
+    return 1;
+}
+
+void CCBase::Abort()
+{
+}
+
+void CCBase::Undo()
+{
+}
+
+unsigned short CCBase::Unref(int bDelete)
+{
+    if (m_nRefCount > 0)
+        --m_nRefCount;
+    if (bDelete && m_nRefCount == 0)
+    {
+        delete this;
+        return 0;
+    }
+    return m_nRefCount;
+}
+
+void CCBase::Discard(ECBase *event)
+{
+    if (!event)
+        return;
+    if (!m_pDiscardList)
+        m_pDiscardList = new EventList;
+    else if (m_pDiscardList->Find(event))
+        return;
+    m_pDiscardList->AddTail(event);
+}
+
+void CCBase::Discard(EventList *events)
+{
+    if (!events)
+        return;
+    for (POSITION pos = events->GetHeadPosition(); pos;)
+    {
+        ECBase *event = events->GetNext(pos);
+        if (!event)
+            continue;
+        if (m_pDiscardList && m_pDiscardList->Find(event))
+            return;
+        Discard(event);
+    }
+}
+
+void CCBase::DiscardMirrors(ECBase *event)
+{
+    if (!event)
+        return;
+    if (EventList *mirrors = MirrorsOf(event))
+        Discard(mirrors);
+}
+
+void CCBase::ProcessDiscardList()
+{
+    if (!m_pDiscardList)
+        return;
+    // Taken off the command first: a detached event may release what holds
+    // this command, and nothing may reach the list while it is walked.
+    EventList *discarded = m_pDiscardList;
+    m_pDiscardList = nullptr;
+    for (POSITION pos = discarded->GetHeadPosition(); pos;)
+    {
+        ECBase *event = discarded->GetNext(pos);
+        ReleaseMirrorSource(event);
+        event->Ref();
+        event->RemoveFromParents();
+        event->RemoveChildren(0);
+        event->Unref(1);
+    }
+    delete discarded;
+}
