@@ -1,0 +1,3 @@
+#include <scoremodel/state/SCStatus.h>
+
+int SCStatus::s_actionCount = 0;

@@ -1,0 +1,3 @@
+#include <scoremodel/state/SCTime.h>
+
+int SCTime::s_actionCount = 0;
