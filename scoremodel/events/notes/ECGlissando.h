@@ -1,0 +1,29 @@
+// ECGlissando: a glissando between notes, hung under the staff.
+//
+// Archive record: that of ECGroup.
+#pragma once
+
+#include <scoremodel/events/notes/ECGroup.h>
+
+class ECGlissando : public ECGroup
+{
+    DECLARE_SERIAL(ECGlissando)
+
+public:
+    CObject *Copy(CObject *src) override;
+    // 26.
+    int GetEventId() const override;
+    // ECStaff.
+    int GetParentTypes(CArray<int, int> &types) override;
+
+    ECGlissando &operator=(const ECGlissando &other)
+    {
+        ECGroup::operator=(other);
+        return *this;
+    }
+    int operator==(const ECGlissando &other) const { return ECGroup::operator==(other); }
+    int operator!=(const ECGlissando &other) const { return !(*this == other); }
+
+protected:
+    ~ECGlissando() override;
+};

@@ -1,0 +1,64 @@
+#include <scoremodel/events/notes/ECMirror.h>
+
+// The one place where an event class reaches up into the actions: the
+// mirror search must find a mirror's source without knowing this class.
+#include <scoremodel/actions/ACFindMirror.h>
+
+IMPLEMENT_SERIAL(ECMirror, ECWithTime, VERSIONABLE_SCHEMA | 2)
+
+namespace
+{
+ECBase *MirroredEventOf(ECBase *mirror)
+{
+    if (!mirror || !mirror->IsKindOf(RUNTIME_CLASS(ECMirror)))
+        return nullptr;
+    return static_cast<ECMirror *>(mirror)->GetMirrorEvent();
+}
+
+// Both seams hold plain function pointers that start as null before any
+// constructor runs, so the order in which the library's files initialise
+// does not matter.
+[[maybe_unused]] const bool s_resolverInstalled = [] {
+    MCEventList::SetMirrorResolver(&MirroredEventOf);
+    ACFindMirror::SetMirrorResolver(&MirroredEventOf);
+    return true;
+}();
+} // namespace
+
+ECMirror::~ECMirror() = default;
+
+ECMirror &ECMirror::operator=(const ECMirror &other)
+{
+    if (this != &other)
+        ECWithTime::operator=(other);
+    return *this;
+}
+
+int ECMirror::operator==(const ECMirror &other) const
+{
+    return ECWithTime::operator==(other) && m_pMirrorEvent == other.m_pMirrorEvent;
+}
+
+CObject *ECMirror::Copy(CObject *src)
+{
+    if (src && src->IsKindOf(RUNTIME_CLASS(ECMirror)))
+        *this = *static_cast<ECMirror *>(src);
+    return this;
+}
+
+int ECMirror::GetEventId() const
+{
+    return EVENT_ID_MIRROR;
+}
+
+int ECMirror::GetParentTypes(CArray<int, int> &types)
+{
+    types.Add(EVENT_ID_CONDUCTOR_STAFF);
+    types.Add(EVENT_ID_MEASURE);
+    return 1;
+}
+
+void ECMirror::SetMirrorEvent(ECBase *event, int)
+{
+    m_pMirrorEvent = event;
+}
