@@ -1,0 +1,59 @@
+// ECConductorMeasure: one column of the score.
+//
+// The conductor staff's measure at one time. Its measure array, indexed by
+// track number, knows the ECMeasure of every staff in the column; element 0
+// is this measure itself. Voice 14, track 0.
+//
+// Archive record: that of ECWithTimeChild, the max track as DWORD, then the
+// collapse-measure value as one raw byte, always written but read only from
+// document version 20 on. The measure array stands in the second section
+// (PostSerialize), after the tree.
+#pragma once
+
+#include <scoremodel/events/structure/ECMeasure.h>
+#include <scoremodel/platform/CArray.h>
+
+class ECConductorMeasure : public ECMeasure
+{
+    DECLARE_SERIAL(ECConductorMeasure)
+
+public:
+    typedef CTypedPtrArray<CObArray, ECMeasure *> MeasureArray;
+
+    ECConductorMeasure();
+    // Also sets the time.
+    explicit ECConductorMeasure(MCTime &time);
+
+    void Serialize(CArchive &ar) override;
+    void PostSerialize(CArchive &ar) override;
+    CObject *Copy(CObject *src) override;
+    // 16.
+    int GetEventId() const override;
+    // ECConductorStaff.
+    int GetParentTypes(CArray<int, int> &types) override;
+
+    // The value the views give to a collapsed column; kept in the spare byte.
+    virtual void SetCollapseMeasure(BYTE value) { SetSpareByte(value); }
+    virtual BYTE GetCollapseMeasure() const { return GetSpareByte(); }
+
+    // The measure of the column on `track`; 0 for a track below 0 or above
+    // the max track.
+    ECMeasure *GetMeasureOnTrack(int track);
+    int GetMaxTrack() const { return m_nMaxTrack; }
+    MeasureArray &GetMeasures() { return m_measures; }
+
+    // Assigns the base and copies the collapse-measure value.
+    ECConductorMeasure &operator=(const ECConductorMeasure &other);
+    // Identity.
+    int operator==(const ECConductorMeasure &other) const { return this == &other; }
+    int operator!=(const ECConductorMeasure &other) const { return !(*this == other); }
+
+protected:
+    ~ECConductorMeasure() override;
+
+    MeasureArray m_measures;
+    int m_nMaxTrack = 0;
+
+private:
+    ECConductorMeasure(const ECConductorMeasure &) = delete;
+};
