@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <string>
+#include <unordered_set>
 
 namespace
 {
@@ -793,6 +794,23 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested)
     ValueScope<UINT> depth(m_nDepth, m_nDepth + 1);
     pOb->Serialize(*this);
     return pOb;
+}
+
+void CArchive::ForgetLoadedObjects(size_t nFirst)
+{
+    if (nFirst >= m_loadedObjects.size())
+        return;
+    // Their entries are the newest of the load map, so the search from the
+    // end is short.
+    const std::unordered_set<const void *> gone(m_loadedObjects.begin() + nFirst, m_loadedObjects.end());
+    size_t left = gone.size();
+    for (size_t i = m_loadArray.size(); left && i-- > 1;)
+        if (!m_loadArray[i].bClass && gone.count(m_loadArray[i].p))
+        {
+            m_loadArray[i].p = nullptr;
+            --left;
+        }
+    m_loadedObjects.resize(nFirst);
 }
 
 UINT CArchive::GetObjectSchema()

@@ -271,6 +271,11 @@ public:
     // Loading: every object this archive created, in creation order,
     // including those whose Serialize threw. The archive never frees them.
     const std::vector<CObject *> &GetLoadedObjects() const { return m_loadedObjects; }
+    // Loading: for a loader that destroys what it has just read. The objects
+    // created since GetLoadedObjects() had nFirst entries leave that list, and
+    // later references to them read as null instead of leading to freed
+    // memory.
+    void ForgetLoadedObjects(size_t nFirst);
 
     // The deepest nesting of objects a load accepts (each ReadObject of a new
     // object inside another's Serialize is one level).

@@ -343,46 +343,13 @@ void ECBase::Serialize(CArchive &ar)
     m_flags = static_cast<BYTE>(m_flags & ~FlagSelection);
 }
 
-namespace
+void ECBase::ReleaseLoadedObjects(const std::vector<CObject *> &objects)
 {
-// Objects that a loader released while the load was still running. The
-// archive keeps listing them, so a clean-up after a failed load must pass
-// them by. Kept per thread, as a load runs on one thread; emptied by each
-// clean-up. An address reused by a later object can at worst make a clean-up
-// leave that object alone, never touch freed memory.
-std::unordered_set<CObject *> &ReleasedDuringLoad()
-{
-    thread_local std::unordered_set<CObject *> released;
-    return released;
-}
-} // namespace
-
-void ECBase::NoteReleasedDuringLoad(CObject *object)
-{
-    try
-    {
-        ReleasedDuringLoad().insert(object);
-    }
-    catch (...)
-    {
-    }
-}
-
-void ECBase::ReleaseLoadedObjects(const std::vector<CObject *> &loaded)
-{
-    std::vector<CObject *> objects;
-    {
-        std::unordered_set<CObject *> released;
-        released.swap(ReleasedDuringLoad());
-        objects.reserve(loaded.size());
-        for (CObject *object : loaded)
-            if (object && !released.count(object))
-                objects.push_back(object);
-    }
     std::vector<ECBase *> events;
-    std::unordered_set<CObject *> attached;
+    std::unordered_set<const CObject *> released;
+    std::unordered_set<const CObject *> attached;
     for (CObject *object : objects)
-        if (object->IsKindOf(RUNTIME_CLASS(ECBase)))
+        if (object && object->IsKindOf(RUNTIME_CLASS(ECBase)) && released.insert(object).second)
         {
             auto *event = static_cast<ECBase *>(object);
             event->Ref(); // nothing dies while the links come apart
@@ -391,15 +358,29 @@ void ECBase::ReleaseLoadedObjects(const std::vector<CObject *> &loaded)
                 if (DCBase *data = event->m_data.GetAt(i))
                     attached.insert(data);
         }
+    // Links to events outside the set come apart on both ends, so that
+    // nothing that survives points at an event released here.
     for (ECBase *event : events)
     {
         if (EventList *children = event->GetChildren())
+        {
+            for (POSITION pos = children->GetHeadPosition(); pos;)
+                if (ECBase *child = children->GetNext(pos); child && !released.count(child))
+                    while (child->m_parents.RemoveEvent(event))
+                        ;
             children->RemoveAll();
+        }
         event->SetFlag(FlagHasChildren, false);
+        for (POSITION pos = event->m_parents.GetHeadPosition(); pos;)
+            if (ECBase *parent = event->m_parents.GetNext(pos); parent && !released.count(parent))
+                if (EventList *siblings = parent->GetChildren())
+                    while (siblings->RemoveEvent(event))
+                        ;
         event->m_parents.RemoveAll();
     }
     for (CObject *object : objects)
-        if (!object->IsKindOf(RUNTIME_CLASS(ECBase)) && !attached.count(object))
+        if (object && !object->IsKindOf(RUNTIME_CLASS(ECBase)) && !attached.count(object) &&
+            released.insert(object).second)
             delete object;
     for (ECBase *event : events)
         event->Unref(1);

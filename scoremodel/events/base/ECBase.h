@@ -193,14 +193,11 @@ public:
 
     // Releases what a failed load left behind: every event the archive
     // created (CArchive::GetLoadedObjects) is detached from its parents and
-    // children and released, its attachments with it; other objects are
-    // deleted. An event that something the archive did not create still
-    // holds survives. Events that the load itself already released (those
-    // IsValid rejected) are skipped.
+    // children, on both ends of each link, and released, its attachments
+    // with it; other objects are deleted. An event outside the list that
+    // something else holds survives, with no link into the released ones.
+    // Objects listed twice are released once.
     static void ReleaseLoadedObjects(const std::vector<CObject *> &objects);
-    // Called by the loaders when they release an object the archive created,
-    // so that ReleaseLoadedObjects does not touch it again.
-    static void NoteReleasedDuringLoad(CObject *object);
 
     ECBase &operator=(const ECBase &other);
     // Identity.

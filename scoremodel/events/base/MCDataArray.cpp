@@ -145,10 +145,9 @@ void MCDataArray::Serialize(CArchive &ar)
         {
             BYTE code = 0;
             ar >> code;
-            auto *data = static_cast<DCBase *>(ar.ReadObject(RUNTIME_CLASS(DCBase)));
             // A code whose slot lies past the stored highest one (a corrupt
             // record) still finds its slot rather than being lost.
-            SetAtGrow(TypeToIndex(code), data);
+            LoadAttachment(ar, TypeToIndex(code));
         }
         return;
     }
@@ -162,9 +161,22 @@ void MCDataArray::Serialize(CArchive &ar)
     if (count > 0)
         SetSize(highest + 1);
     for (DWORD_PTR p = 0; p < count; ++p)
-    {
-        auto *data = static_cast<DCBase *>(ar.ReadObject(RUNTIME_CLASS(DCBase)));
-        if (data)
-            SetAtGrow(TypeToIndex(p < 8 ? static_cast<int>(p) : 8), data);
-    }
+        LoadAttachment(ar, TypeToIndex(p < 8 ? static_cast<int>(p) : 8));
+}
+
+void MCDataArray::LoadAttachment(CArchive &ar, int slot)
+{
+    const size_t made = ar.GetLoadedObjects().size();
+    auto *data = static_cast<DCBase *>(ar.ReadObject(RUNTIME_CLASS(DCBase)));
+    if (!data)
+        return;
+    // The array owns its attachments, so each must be new to this stream and
+    // have a slot of its own: a shared one would be deleted twice, and one
+    // put over another would leak it.
+    if (ar.GetLoadedObjects().size() <= made || ar.GetLoadedObjects()[made] != data)
+        throw CArchiveException(CArchiveException::badIndex, "an attachment that belongs to another event");
+    if (GetAt(slot))
+        throw CArchiveException(CArchiveException::genericException,
+                                "two attachments in slot " + std::to_string(slot));
+    SetAtGrow(slot, data);
 }

@@ -76,6 +76,9 @@ public:
 private:
     // Allocates the block for the current size if there is none.
     void Materialize();
+    // Reads one attachment into `slot`. Throws CArchiveException for one read
+    // before (it belongs to another array) or a slot that is taken.
+    void LoadAttachment(CArchive &ar, int slot);
 
     DCBase **m_pData = nullptr;
     BYTE m_nSize = 2;

@@ -170,16 +170,24 @@ void MCEventList::SerializeFromParent(CArchive &ar, ECBase *parent)
     DWORD_PTR count = ar.ReadCount();
     for (DWORD_PTR i = 0; i < count; ++i)
     {
+        const size_t made = ar.GetLoadedObjects().size();
         ECBase *event = nullptr;
         ar >> event;
         if (!event)
             continue;
         if (!event->IsValid())
         {
-            // Dies here unless something else already holds it.
-            event->Ref();
-            if (event->Unref(1) == 0)
-                ECBase::NoteReleasedDuringLoad(event);
+            // An event this read made dies here, with everything made while
+            // it was read; the archive forgets them, so a later reference
+            // reads as null instead of reaching freed memory. One read
+            // before belongs to whoever made it and is only left out.
+            const std::vector<CObject *> &loaded = ar.GetLoadedObjects();
+            if (loaded.size() > made && loaded[made] == event)
+            {
+                const std::vector<CObject *> dropped(loaded.begin() + static_cast<std::ptrdiff_t>(made), loaded.end());
+                ar.ForgetLoadedObjects(made);
+                ECBase::ReleaseLoadedObjects(dropped);
+            }
             continue;
         }
         // A list node holds a reference: an event nobody holds is not here.
