@@ -1,0 +1,398 @@
+#include <scoremodel/document/MCDocumentFile.h>
+
+#include <scoremodel/actions/ACPostSerialize.h>
+#include <scoremodel/events/base/DCBase.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+#include <scoremodel/platform/CArchive.h>
+#include <scoremodel/platform/CFile.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_set>
+#include <vector>
+
+const BYTE MCDocumentFile::kTag[8] = {0x89, 'S', 'M', 'D', 0x0D, 0x0A, 0x1A, 0x0A};
+
+namespace
+{
+// Large enough that a file is read and written in few system calls.
+constexpr int kArchiveBuffer = 1 << 16;
+
+std::string WithPlace(const std::string &problem, const std::string &path, ULONGLONG offset)
+{
+    std::string s = path.empty() ? std::string("document") : path;
+    s += ": " + problem;
+    if (offset != MCDocumentException::unknownOffset)
+        s += " (at byte " + std::to_string(offset) + ")";
+    return s;
+}
+
+void PutLE(BYTE *p, ULONGLONG value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        p[i] = static_cast<BYTE>(value >> (8 * i));
+}
+
+ULONGLONG GetLE(const BYTE *p, int bytes)
+{
+    ULONGLONG value = 0;
+    for (int i = bytes - 1; i >= 0; --i)
+        value = (value << 8) | p[i];
+    return value;
+}
+
+// Names a performance active for a scope and puts the previous one back.
+class ActiveScope
+{
+public:
+    explicit ActiveScope(ECPerformance *performance)
+        : m_previous(ECPerformance::SetActivePerformance(performance))
+    {
+    }
+    ~ActiveScope() { ECPerformance::SetActivePerformance(m_previous); }
+    ActiveScope(const ActiveScope &) = delete;
+    ActiveScope &operator=(const ActiveScope &) = delete;
+
+private:
+    ECPerformance *m_previous;
+};
+
+// Marks of the tree check, in the hit word of each event. A loaded tree has
+// no hit marks (they are never stored), and the check leaves none.
+constexpr DWORD kOnPath = 0x40000000;
+constexpr DWORD kReached = 0x80000000;
+
+void ClearMarks(const std::vector<CObject *> &loaded, ECBase *root)
+{
+    // Clearing with the mask 3 empties the whole word (see ECBase::SetHit).
+    root->SetHit(0, 3);
+    for (CObject *object : loaded)
+        if (object && object->IsKindOf(RUNTIME_CLASS(ECBase)))
+            static_cast<ECBase *>(object)->SetHit(0, 3);
+}
+
+// Every event the archive made must hang below the root, through child
+// lists without a cycle, and every other object must be an attachment of
+// one of them: anything else would outlive the document (nothing holds it)
+// or make walks and releases go round for ever.
+void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
+{
+    struct Frame
+    {
+        ECBase::EventList *children;
+        POSITION pos;
+        ECBase *event;
+    };
+    struct Cleanup
+    {
+        const std::vector<CObject *> &loaded;
+        ECBase *root;
+        ~Cleanup() { ClearMarks(loaded, root); }
+    } cleanup{loaded, root};
+
+    std::vector<Frame> stack;
+    auto enter = [&stack](ECBase *event) {
+        event->SetHit(1, kOnPath);
+        ECBase::EventList *children = event->GetChildren();
+        stack.push_back(Frame{children, children ? children->GetHeadPosition() : nullptr, event});
+    };
+    enter(root);
+    while (!stack.empty())
+    {
+        Frame &top = stack.back();
+        if (!top.pos)
+        {
+            top.event->SetHit(0, 3);
+            top.event->SetHit(1, kReached);
+            stack.pop_back();
+            continue;
+        }
+        ECBase *child = top.children->GetNext(top.pos);
+        if (!child)
+            continue;
+        const unsigned marks = child->GetHitFlag();
+        if (marks & kOnPath)
+            throw CArchiveException(CArchiveException::genericException,
+                                    std::string("a ") + child->GetRuntimeClass()->m_lpszClassName +
+                                        " is among its own descendants");
+        if (!(marks & kReached))
+            enter(child);
+    }
+
+    std::unordered_set<const CObject *> attached;
+    for (CObject *object : loaded)
+        if (object && object->IsKindOf(RUNTIME_CLASS(ECBase)))
+        {
+            auto *event = static_cast<ECBase *>(object);
+            if (!(event->GetHitFlag() & kReached))
+                throw CArchiveException(CArchiveException::genericException,
+                                        std::string("a ") + event->GetRuntimeClass()->m_lpszClassName +
+                                            " outside the tree");
+            MCDataArray *data = event->GetData();
+            for (int i = 0; i < data->GetSize(); ++i)
+                if (DCBase *attachment = data->GetAt(i))
+                    attached.insert(attachment);
+        }
+    // Records that come to own plain objects of their own will list their
+    // classes here.
+    for (CObject *object : loaded)
+        if (object && !object->IsKindOf(RUNTIME_CLASS(ECBase)) && !attached.count(object))
+            throw CArchiveException(CArchiveException::genericException,
+                                    std::string("a ") + object->GetRuntimeClass()->m_lpszClassName +
+                                        " that no event holds");
+}
+
+// Releases a failed load: what the archive made and the performance.
+void ReleaseFailedLoad(const CArchive &ar, ECPerformance *performance)
+{
+    std::vector<CObject *> objects = ar.GetLoadedObjects();
+    objects.push_back(performance);
+    ECBase::ReleaseLoadedObjects(objects);
+    performance->Unref(1);
+}
+
+std::string PathOf(const CFile &file)
+{
+    return CStringA(file.GetFilePath()).GetString();
+}
+
+ULONGLONG LengthLeft(const CFile &file)
+{
+    try
+    {
+        const ULONGLONG length = file.GetLength();
+        const ULONGLONG position = file.GetPosition();
+        return length > position ? length - position : 0;
+    }
+    catch (const CFileException &)
+    {
+        return CArchive::unknownLength;
+    }
+}
+
+// The path a save replaces: the file a symbolic link points to, not the link.
+std::string SaveTarget(const char *path)
+{
+    struct stat st;
+    if (::lstat(path, &st) == 0 && S_ISLNK(st.st_mode))
+    {
+        char *real = ::realpath(path, nullptr);
+        if (real)
+        {
+            std::string resolved(real);
+            std::free(real);
+            return resolved;
+        }
+    }
+    return path;
+}
+
+void SyncDirectoryOf(const std::string &path)
+{
+    const size_t slash = path.find_last_of('/');
+    const std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0)
+    {
+        // The rename is done; a directory that can't be synced (some file
+        // systems refuse) loses nothing that is not already on its way.
+        (void)::fsync(fd);
+        ::close(fd);
+    }
+}
+} // namespace
+
+MCDocumentException::MCDocumentException(int cause, const std::string &problem, const std::string &path,
+                                         ULONGLONG offset)
+    : CArchiveException(cause), m_strProblem(problem), m_strPath(path), m_nOffset(offset)
+{
+    m_message = WithPlace(problem, path, offset);
+}
+
+// ---- The archive ----------------------------------------------------------------
+
+void MCDocumentFile::StoreArchive(CArchive &ar, ECPerformance *performance)
+{
+    if (!performance)
+        throw CInvalidArgException("MCDocumentFile: no performance to store");
+    ActiveScope active(performance);
+    ar.MapObject(performance);
+    performance->Serialize(ar);
+    ACPostSerialize post(ar);
+    post.Apply(performance);
+}
+
+void MCDocumentFile::LoadArchive(CArchive &ar, ECPerformance *performance, int version)
+{
+    if (!performance)
+        throw CInvalidArgException("MCDocumentFile: no performance to load into");
+    ActiveScope active(performance);
+    performance->SetVersion(version);
+    ar.MapObject(performance);
+    performance->Serialize(ar);
+    ACPostSerialize post(ar);
+    if (post.Apply(performance) == ACBase::ResultFailed)
+        throw CArchiveException(CArchiveException::genericException, "the tree nests too deeply");
+    CheckTree(ar.GetLoadedObjects(), performance);
+}
+
+// ---- Open files -------------------------------------------------------------------
+
+void MCDocumentFile::Write(CFile &file, ECPerformance *performance)
+{
+    const ULONGLONG start = file.GetPosition();
+    BYTE header[kHeaderSize] = {};
+    std::memcpy(header, kTag, sizeof kTag);
+    PutLE(header + 8, static_cast<ULONGLONG>(kVersion), 4);
+    file.Write(header, kHeaderSize);
+    {
+        CArchive ar(&file, CArchive::store | CArchive::bNoFlushOnDelete, kArchiveBuffer);
+        StoreArchive(ar, performance);
+        ar.Close();
+    }
+    // The length goes in last, so a file cut short anywhere never claims
+    // more than it holds.
+    const ULONGLONG end = file.GetPosition();
+    PutLE(header + 12, end - start - kHeaderSize, 8);
+    file.Seek(static_cast<LONGLONG>(start + 12), CFile::begin);
+    file.Write(header + 12, 8);
+    file.Seek(static_cast<LONGLONG>(end), CFile::begin);
+}
+
+ECPerformance *MCDocumentFile::Read(CFile &file, int *version)
+{
+    const std::string path = PathOf(file);
+    ULONGLONG start = 0;
+    try
+    {
+        start = file.GetPosition();
+    }
+    catch (const CFileException &)
+    {
+        start = MCDocumentException::unknownOffset; // a pipe: no offsets to tell
+    }
+    auto at = [start](ULONGLONG offset) {
+        return start == MCDocumentException::unknownOffset ? MCDocumentException::unknownOffset : start + offset;
+    };
+
+    BYTE header[kHeaderSize];
+    const UINT got = file.Read(header, kHeaderSize);
+    const UINT tagBytes = got < sizeof kTag ? got : static_cast<UINT>(sizeof kTag);
+    if (std::memcmp(header, kTag, tagBytes) != 0 || got == 0)
+        throw MCDocumentException(CArchiveException::badClass, "not a scoremodel document (no document tag)", path,
+                                  at(0));
+    if (got < kHeaderSize)
+        throw MCDocumentException(CArchiveException::endOfFile,
+                                  "truncated: the header has " + std::to_string(got) + " of its " +
+                                      std::to_string(kHeaderSize) + " bytes",
+                                  path, at(got));
+    const LONG fileVersion = static_cast<LONG>(GetLE(header + 8, 4));
+    if (fileVersion < 0 || fileVersion > kVersion)
+        throw MCDocumentException(CArchiveException::badSchema,
+                                  "document version " + std::to_string(fileVersion) + " (this library reads 0 to " +
+                                      std::to_string(kVersion) + ")",
+                                  path, at(8));
+    const ULONGLONG length = GetLE(header + 12, 8);
+    const ULONGLONG left = LengthLeft(file);
+    if (left != CArchive::unknownLength && left != length)
+        throw MCDocumentException(left < length ? CArchiveException::endOfFile : CArchiveException::genericException,
+                                  left < length ? "truncated: the archive has " + std::to_string(left) + " of its " +
+                                                      std::to_string(length) + " bytes"
+                                                : std::to_string(left - length) +
+                                                      " bytes past the end of the document",
+                                  path, at(kHeaderSize + std::min(left, length)));
+
+    auto *performance = new ECPerformance;
+    performance->Ref();
+    CArchive ar(&file, CArchive::load | CArchive::bNoFlushOnDelete, kArchiveBuffer);
+    auto fail = [&](int cause, const std::string &problem) {
+        const ULONGLONG remaining = ar.GetBytesRemaining();
+        const ULONGLONG offset =
+            remaining == CArchive::unknownLength || remaining > length ? MCDocumentException::unknownOffset
+                                                                        : at(kHeaderSize + length - remaining);
+        ReleaseFailedLoad(ar, performance);
+        return MCDocumentException(cause, "corrupt document: " + problem, path, offset);
+    };
+    try
+    {
+        LoadArchive(ar, performance, static_cast<int>(fileVersion));
+        const ULONGLONG remaining = ar.GetBytesRemaining();
+        if (remaining != 0 && remaining != CArchive::unknownLength)
+            throw CArchiveException(CArchiveException::genericException,
+                                    std::to_string(remaining) + " bytes the document does not use");
+    }
+    catch (const CArchiveException &e)
+    {
+        throw fail(e.m_cause, e.what());
+    }
+    catch (const CInvalidArgException &e)
+    {
+        // A record's index or value out of range: the stream is at fault.
+        throw fail(CArchiveException::genericException, e.what());
+    }
+    catch (const CNotSupportedException &e)
+    {
+        throw fail(CArchiveException::genericException, e.what());
+    }
+    catch (...)
+    {
+        ReleaseFailedLoad(ar, performance);
+        throw;
+    }
+    ar.Close();
+    if (version)
+        *version = static_cast<int>(fileVersion);
+    return performance;
+}
+
+// ---- Files by path ----------------------------------------------------------------
+
+void MCDocumentFile::Save(ECPerformance *performance, const char *path)
+{
+    if (!performance || !path || !*path)
+        throw CInvalidArgException("MCDocumentFile::Save needs a performance and a path");
+    const std::string target = SaveTarget(path);
+    struct stat st;
+    const bool replacing = ::stat(target.c_str(), &st) == 0;
+
+    // A name of its own for each save, beside the target so that the rename
+    // stays on one file system.
+    static std::atomic<unsigned> s_counter{0};
+    const std::string temp = target + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(++s_counter);
+    CFile file(temp.c_str(), CFile::modeCreate | CFile::modeWrite);
+    try
+    {
+        if (replacing)
+            (void)::fchmod(file.m_hFile, st.st_mode & 07777);
+        Write(file, performance);
+        file.Flush();
+        file.Close();
+        if (::rename(temp.c_str(), target.c_str()) != 0)
+        {
+            const int err = errno;
+            throw CFileException(CFileException::OsErrorToCause(err), err, target);
+        }
+    }
+    catch (...)
+    {
+        file.Abort();
+        ::unlink(temp.c_str());
+        throw;
+    }
+    SyncDirectoryOf(target);
+}
+
+ECPerformance *MCDocumentFile::Load(const char *path)
+{
+    if (!path || !*path)
+        throw CInvalidArgException("MCDocumentFile::Load needs a path");
+    CFile file(path, CFile::modeRead);
+    return Read(file);
+}
