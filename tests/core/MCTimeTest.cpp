@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace
@@ -30,10 +29,8 @@ void ExpectBPT(const MCTime &t, int bar, int pulse, int tick, int ppq)
 {
     ASSERT_EQ(t.GetMode(), MCTime::TimeModeBarPulseTick);
     ASSERT_NE(t.GetBarPulseTick(), nullptr);
-    EXPECT_EQ(t.GetBarPulseTick()->bar, bar);
-    EXPECT_EQ(t.GetBarPulseTick()->pulse, pulse);
-    EXPECT_EQ(t.GetBarPulseTick()->tick, tick);
-    EXPECT_EQ(t.GetBarPulseTick()->ppq, ppq);
+    const BPTTime &r = *t.GetBarPulseTick();
+    EXPECT_EQ((std::vector<int>{r.bar, r.pulse, r.tick, r.ppq}), (std::vector<int>{bar, pulse, tick, ppq}));
 }
 
 // Restores the process-wide resolution whatever a test did to it.
@@ -58,98 +55,68 @@ TEST(MCTime, NamedValuesHaveTheExactFloatBitsAndOrderAroundZero)
     EXPECT_EQ(&MCTime::TimeNull(), &MCTime::TimeNull()) << "constants must have static lifetime";
     EXPECT_TRUE(MCTime::TimeNull() < MCTime::TimeZero());
     EXPECT_TRUE(MCTime::TimeMax() > MCTime::TimeZero());
-    EXPECT_TRUE(MCTime::TimeNull() < MCTime(-1e30f));
+    EXPECT_LE(sizeof(MCTime), 2 * sizeof(void *)) << "a float time is one word and a byte";
 }
 
-TEST(MCTime, FloatTimesStayOneWordAndAByte)
-{
-    EXPECT_LE(sizeof(MCTime), 2 * sizeof(void *));
-    EXPECT_EQ(MCTime(3.0f).GetBarPulseTick(), nullptr);
-    EXPECT_EQ(Clock(3.0f).GetBarPulseTick(), nullptr);
-}
-
-TEST(MCTime, GetTicksRoundsHalfTicksDownAndTruncatesTowardZero)
+TEST(MCTime, TicksRoundHalvesDownMillisecondsRoundHalvesUpAndBothTruncateTowardZero)
 {
     struct Row
     {
         float value;
-        long ppq;
-        long ticks;
+        long ppq, ticks;
     } rows[] = {
-        {0.25f, 480, 120},
-        {1.0f, 480, 480},
-        {120.5f, 1, 120},        // an exact half tick rounds down
-        {1.25f, 2, 2},           // 2.5 ticks
-        {120.515625f, 1, 121},   // just past the half rounds up
-        {120.25f, 1, 120},
-        {-0.25f, 2, 0},          // -0.5 ticks + 0.49 truncates to 0, not -1
-        {-0.75f, 2, -1},         // -1.5 + 0.49 = -1.01
-        {0.0f, 480, 0},
-        {0.5f, 0, 0},
-        {1.5f, -480, -719},      // -720 + 0.49 truncates toward zero
+        {0.25f, 480, 120},     {120.5f, 1, 120}, // an exact half tick rounds down
+        {120.515625f, 1, 121}, {-0.25f, 2, 0},   // -0.5 ticks + 0.49 truncates to 0, not -1
+        {-0.75f, 2, -1},       {0.5f, 0, 0},
+        {1.5f, -480, -719},
     };
     for (const Row &r : rows)
     {
         EXPECT_EQ(MCTime(r.value).GetTicks(r.ppq), r.ticks) << r.value << " at " << r.ppq;
         EXPECT_EQ(Clock(r.value).GetTicks(r.ppq), r.ticks) << "clock " << r.value;
     }
-    EXPECT_EQ(MCTime(3, 1, 2, 480).GetTicks(480), 0);
     EXPECT_FLOAT_EQ(MCTime(120.5f).GetTicksPrecisely(1), 120.5f);
+    EXPECT_EQ(MCTime(0.0625f).GetMSec(), 63);
+    EXPECT_EQ(MCTime(-0.0625f).GetMSec(), -62);
+    // A bar/pulse/tick time has no ticks; huge values saturate instead of wrapping.
+    EXPECT_EQ(MCTime(3, 1, 2, 480).GetTicks(480), 0);
     EXPECT_EQ(MCTime(3, 1, 2, 480).GetTicksPrecisely(480), 0.0f);
-}
-
-TEST(MCTime, GetMSecRoundsHalvesUpUnlikeTicks)
-{
-    struct Row
-    {
-        float value;
-        long ms;
-    } rows[] = {{0.0625f, 63}, {-0.0625f, -62}, {1.0f, 1000}, {0.0f, 0}, {2.25f, 2250}};
-    for (const Row &r : rows)
-        EXPECT_EQ(MCTime(r.value).GetMSec(), r.ms) << r.value;
     EXPECT_EQ(MCTime(0, 0, 0, 480).GetMSec(), 0);
-}
-
-TEST(MCTime, HugeValuesSaturateInsteadOfWrapping)
-{
     EXPECT_EQ(MCTime::TimeNull().GetTicks(480), LONG_MIN);
-    EXPECT_EQ(MCTime::TimeMax().GetTicks(480), LONG_MAX);
     EXPECT_EQ(MCTime::TimeMax().GetMSec(), LONG_MAX);
     EXPECT_EQ(MCTime(std::nanf("")).GetTicks(480), 0);
 }
 
-TEST(MCTime, TickSettersIgnoreZeroResolutionAndKeepTheMode)
+TEST(MCTime, TickSettersIgnoreZeroResolutionAndKeepClockMode)
 {
     MCTime bpt(1, 2, 3, 480);
     bpt.SetTicks(100.0f, 0);
-    ExpectBPT(bpt, 1, 2, 3, 480);
     bpt.AddTicks(100, 480);
     ExpectBPT(bpt, 1, 2, 3, 480);
-
     bpt.SetTicks(240.0f, 480);
     EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
     EXPECT_FLOAT_EQ(bpt.GetSeconds(), 0.5f);
 
     MCTime clock = Clock(1.0f);
     clock.SetTicks(960.0f, 480);
-    EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
-    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.0f);
     clock.AddTicks(240, 480);
-    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.5f) << "ticks are added as a real quotient";
     clock.AddTicks(240, 0);
-    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.5f);
     EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
+    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.5f);
 
     MCTime ms(1, 0, 0, 480);
     ms.SetMSec(1500);
     EXPECT_EQ(ms.GetMode(), MCTime::TimeModeNormalized);
     EXPECT_FLOAT_EQ(ms.GetSeconds(), 1.5f);
-    MCTime secs = Clock(1.0f);
-    secs.SetSeconds(4.0f);
-    EXPECT_EQ(secs.GetMode(), MCTime::TimeModeClock);
+    clock = 4.0f; // assigning a float keeps clock mode
+    EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
+    bpt = MCTime(1, 1, 1, 480);
+    bpt = 2.0f; // but leaves bar/pulse/tick
+    EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
+    EXPECT_FLOAT_EQ(bpt.GetSeconds(), 2.0f);
 }
 
-TEST(MCTime, CopiesOfBarPulseTickTimesAreDeep)
+TEST(MCTime, CopiesOfBarPulseTickTimesAreDeepAndReuseTheDestinationsRecord)
 {
     MCTime original(1, 2, 3, 480);
     MCTime copy(original);
@@ -159,52 +126,29 @@ TEST(MCTime, CopiesOfBarPulseTickTimesAreDeep)
 
     MCTime assigned(5.0f);
     assigned = original;
-    ASSERT_NE(assigned.GetBarPulseTick(), original.GetBarPulseTick());
-    ExpectBPT(assigned, 1, 2, 3, 480);
-
     BPTTime *record = assigned.GetBarPulseTick();
+    ASSERT_NE(record, original.GetBarPulseTick());
     assigned = MCTime(4, 5, 6, 960);
-    EXPECT_EQ(assigned.GetBarPulseTick(), record) << "a bar/pulse/tick destination reuses its record";
+    EXPECT_EQ(assigned.GetBarPulseTick(), record);
     ExpectBPT(assigned, 4, 5, 6, 960);
-
     assigned = assigned;
     ExpectBPT(assigned, 4, 5, 6, 960);
-
     assigned = Clock(2.0f);
     EXPECT_EQ(assigned.GetMode(), MCTime::TimeModeClock);
     EXPECT_FLOAT_EQ(assigned.GetSeconds(), 2.0f);
-    EXPECT_EQ(MCTime(Clock(2.0f)).GetMode(), MCTime::TimeModeClock);
-}
-
-TEST(MCTime, AssigningAFloatKeepsClockModeButLeavesBarPulseTick)
-{
-    MCTime clock = Clock(1.0f);
-    clock = 2.0f;
-    EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
-    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.0f);
-
-    MCTime bpt(1, 1, 1, 480);
-    bpt = 2.0f;
-    EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_EQ(bpt.GetBarPulseTick(), nullptr);
-    EXPECT_FLOAT_EQ(bpt.GetSeconds(), 2.0f);
 }
 
 TEST(MCTime, SetModeRelabelsWithoutConverting)
 {
     MCTime t(3.5f);
     t.SetMode(MCTime::TimeModeClock);
-    EXPECT_FLOAT_EQ(t.GetSeconds(), 3.5f);
     t.SetMode(MCTime::TimeModeNormalized);
     EXPECT_FLOAT_EQ(t.GetSeconds(), 3.5f);
-
     t.SetMode(MCTime::TimeModeBarPulseTick);
     ASSERT_NE(t.GetBarPulseTick(), nullptr);
     t.SetMode(MCTime::TimeModeNormalized);
     EXPECT_EQ(Bits(t.GetSeconds()), 0u) << "leaving bar/pulse/tick must leave 0.0";
-
     t.SetBarPulseTick(BPTTime{7, 1, 2, 96});
-    ExpectBPT(t, 7, 1, 2, 96);
     BPTTime *record = t.GetBarPulseTick();
     t.SetBarPulseTick(8, 0, 0, 96);
     EXPECT_EQ(t.GetBarPulseTick(), record);
@@ -218,44 +162,38 @@ TEST(MCTime, SetPPQRescalesTheTickOnlyWhenItCan)
         const char *name;
         BPTTime before;
         int newPPQ;
-        BPTTime after;
+        int tick, ppq; // after
     } rows[] = {
-        {"doubling", {1, 2, 240, 480}, 960, {1, 2, 480, 960}},
-        {"floor of a fraction", {0, 0, 1, 3}, 2, {0, 0, 0, 2}},
-        {"floor of a negative", {0, 0, -1, 3}, 2, {0, 0, -1, 2}},
-        {"no carry into the pulse", {1, 2, 479, 480}, 240, {1, 2, 239, 240}},
-        {"32-bit product wraps", {0, 0, 0x7FFFFFFF, 480}, 960, {0, 0, -2, 960}},
-        {"zero new ppq", {1, 1, 5, 480}, 0, {1, 1, 5, 480}},
-        {"negative new ppq", {1, 1, 5, 480}, -96, {1, 1, 5, 480}},
-        {"zero old ppq", {1, 1, 5, 0}, 96, {1, 1, 5, 0}},
-        {"negative old ppq", {1, 1, 5, -4}, 96, {1, 1, 5, -4}},
-        {"same ppq", {1, 1, 5, 480}, 480, {1, 1, 5, 480}},
+        {"doubling", {1, 2, 240, 480}, 960, 480, 960},
+        {"floor of a fraction", {0, 0, 1, 3}, 2, 0, 2},
+        {"floor of a negative", {0, 0, -1, 3}, 2, -1, 2},
+        {"no carry into the pulse", {1, 2, 479, 480}, 240, 239, 240},
+        {"32-bit product wraps", {1, 2, 0x7FFFFFFF, 480}, 960, -2, 960},
+        {"zero new ppq", {1, 2, 5, 480}, 0, 5, 480},
+        {"negative new ppq", {1, 2, 5, 480}, -96, 5, 480},
+        {"zero old ppq", {1, 2, 5, 0}, 96, 5, 0},
+        {"negative old ppq", {1, 2, 5, -4}, 96, 5, -4},
     };
     for (const Row &r : rows)
     {
         SCOPED_TRACE(r.name);
         MCTime t(r.before.bar, r.before.pulse, r.before.tick, r.before.ppq);
         t.SetPPQ(r.newPPQ);
-        ExpectBPT(t, r.after.bar, r.after.pulse, r.after.tick, r.after.ppq);
+        ExpectBPT(t, r.before.bar, r.before.pulse, r.tick, r.ppq);
     }
     MCTime plain(1.5f);
     plain.SetPPQ(960);
     EXPECT_EQ(plain.GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_FLOAT_EQ(plain.GetSeconds(), 1.5f);
 }
 
 TEST(MCTime, SetGlobalPPQClampsAndAlwaysReturnsOne)
 {
     GlobalPPQGuard guard;
-    struct Row
+    const std::pair<long, long> rows[] = {{5, 10}, {9, 10}, {10, 10}, {1000, 1000}, {1001, 1000}, {-3, 10}};
+    for (const auto &[asked, stored] : rows)
     {
-        long asked;
-        long stored;
-    } rows[] = {{5, 10}, {9, 10}, {10, 10}, {480, 480}, {1000, 1000}, {1001, 1000}, {5000, 1000}, {-3, 10}};
-    for (const Row &r : rows)
-    {
-        EXPECT_EQ(MCTime::SetGlobalPPQ(r.asked), 1);
-        EXPECT_EQ(MCTime::GlobalPPQ, r.stored) << r.asked;
+        EXPECT_EQ(MCTime::SetGlobalPPQ(asked), 1);
+        EXPECT_EQ(MCTime::GlobalPPQ, stored) << asked;
     }
 }
 
@@ -268,25 +206,20 @@ TEST(MCTime, ArithmeticGuardsLookOnlyAtTheirNamedOperand)
         const char *name;
         std::function<MCTime()> compute;
         BYTE mode;
-        float value; // for float results
+        float value;
     } rows[] = {
         {"+= keeps clock mode", [] { MCTime a = Clock(1.0f); a += MCTime(0.5f); return a; }, 3, 1.5f},
-        {"+= clock into normalized", [] { MCTime a(1.0f); a += Clock(0.5f); return a; }, 0, 1.5f},
-        {"-=", [] { MCTime a(1.0f); a -= MCTime(0.25f); return a; }, 0, 0.75f},
+        {"-=", [] { MCTime a(1.0f); a -= Clock(0.25f); return a; }, 0, 0.75f},
         {"+= bpt operand ignored", [] { MCTime a(1.0f); a += MCTime(1, 0, 0, 480); return a; }, 0, 1.0f},
         {"-= bpt operand ignored", [] { MCTime a(1.0f); a -= MCTime(1, 0, 0, 480); return a; }, 0, 1.0f},
         {"*=", [] { MCTime a = Clock(1.5f); a *= 2.0f; return a; }, 3, 3.0f},
-        {"*= zero", [] { MCTime a(1.5f); a *= 0.0f; return a; }, 0, 0.0f},
-        {"/=", [] { MCTime a(3.0f); a /= 2.0f; return a; }, 0, 1.5f},
         {"/= zero does nothing", [] { MCTime a(3.0f); a /= 0.0f; return a; }, 0, 3.0f},
         {"/ gives mode 0 from clock", [] { return Clock(3.0f) / MCTime(2.0f); }, 0, 1.5f},
         {"/ zero divisor counts as one", [] { return MCTime(3.0f) / MCTime::TimeZero(); }, 0, 3.0f},
-        {"% positive", [] { return MCTime(7.0f) % MCTime(3.0f); }, 0, 1.0f},
         {"% negative floors", [] { return MCTime(-1.0f) % MCTime(3.0f); }, 0, 2.0f},
         {"% fractional", [] { return MCTime(5.5f) % MCTime(2.0f); }, 0, 1.5f},
         {"% zero divisor counts as one", [] { return MCTime(2.75f) % MCTime(0.0f); }, 0, 0.75f},
-        {"% from clock is mode 0", [] { return Clock(7.0f) % MCTime(4.0f); }, 0, 3.0f},
-        {"unary minus", [] { return -Clock(2.0f); }, 0, -2.0f},
+        {"unary minus from clock is mode 0", [] { return -Clock(2.0f); }, 0, -2.0f},
     };
     for (const Row &r : rows)
     {
@@ -296,14 +229,11 @@ TEST(MCTime, ArithmeticGuardsLookOnlyAtTheirNamedOperand)
         EXPECT_FLOAT_EQ(t.GetSeconds(), r.value);
     }
 
-    // A bar/pulse/tick left side.
+    // A bar/pulse/tick left side: unchanged in place, a zero time of GlobalPPQ otherwise.
     MCTime bpt(1, 2, 3, 480);
     bpt *= 2.0f;
-    ExpectBPT(bpt, 1, 2, 3, 480);
     bpt /= 2.0f;
-    ExpectBPT(bpt, 1, 2, 3, 480);
     bpt += MCTime(1.0f);
-    ExpectBPT(bpt, 1, 2, 3, 480);
     bpt -= MCTime(1.0f);
     ExpectBPT(bpt, 1, 2, 3, 480);
     ExpectBPT(bpt / MCTime(2.0f), 0, 0, 0, 96);
@@ -316,17 +246,12 @@ TEST(MCTime, ComparisonsFollowTheModeRules)
     struct Row
     {
         const char *name;
-        MCTime a;
-        MCTime b;
+        MCTime a, b;
         int eq, ge, le;
     };
     std::vector<Row> rows = {
         {"floats", MCTime(1.0f), MCTime(2.0f), 0, 0, 1},
-        {"equal floats", MCTime(2.0f), MCTime(2.0f), 1, 1, 1},
         {"clock equals normalized", Clock(2.0f), MCTime(2.0f), 1, 1, 1},
-        {"normalized equals clock", MCTime(2.0f), Clock(2.0f), 1, 1, 1},
-        {"null below zero", MCTime::TimeNull(), MCTime::TimeZero(), 0, 0, 1},
-        {"bpt equal", MCTime(1, 1, 240, 480), MCTime(1, 1, 240, 480), 1, 1, 1},
         {"bpt scaled equal", MCTime(1, 1, 240, 480), MCTime(1, 1, 120, 240), 1, 1, 1},
         {"bpt scaled unequal", MCTime(1, 1, 241, 480), MCTime(1, 1, 120, 240), 0, 1, 0},
         {"bpt other bar", MCTime(1, 1, 0, 480), MCTime(2, 1, 0, 480), 0, 0, 1},
@@ -334,16 +259,13 @@ TEST(MCTime, ComparisonsFollowTheModeRules)
         {"bpt not lexicographic", MCTime(2, 0, 0, 480), MCTime(1, 3, 0, 480), 0, 0, 0},
         // Raw ticks for >= but scaled quotients for <=: both hold, yet not ==.
         {"bpt raw ticks when a.ppq larger", MCTime(1, 1, 120, 480), MCTime(1, 1, 100, 240), 0, 1, 1},
-        {"bpt scaled when a.ppq smaller", MCTime(1, 1, 100, 240), MCTime(1, 1, 120, 480), 0, 1, 1},
         {"bpt scaled earlier", MCTime(1, 1, 50, 240), MCTime(1, 1, 120, 480), 0, 0, 1},
         {"bpt raw ticks when a.ppq smaller for <=", MCTime(1, 1, 100, 240), MCTime(1, 1, 150, 480), 0, 1, 1},
         {"bpt equal fields, zero ppq differs", MCTime(1, 1, 0, 0), MCTime(1, 1, 0, 480), 0, 0, 1},
-        {"bpt against zero, non-negative", MCTime(0, 0, 0, 480), MCTime::TimeZero(), 0, 1, 1},
         {"bpt against zero, positive", MCTime(1, 0, 5, 480), MCTime::TimeZero(), 0, 1, 0},
         {"bpt against zero, negative tick", MCTime(0, 0, -1, 480), MCTime::TimeZero(), 0, 0, 1},
-        {"bpt against clock zero", MCTime(1, 0, 0, 480), Clock(0.0f), 0, 1, 0},
+        {"bpt against clock zero", MCTime(0, 0, 0, 480), Clock(0.0f), 0, 1, 1},
         {"bpt against non-zero", MCTime(1, 0, 0, 480), MCTime(1.0f), 0, 0, 0},
-        {"bpt against null", MCTime(0, 0, 0, 480), MCTime::TimeNull(), 0, 0, 0},
         {"float against bpt", MCTime(0.0f), MCTime(0, 0, 0, 480), 0, 0, 0},
     };
     for (const Row &r : rows)
