@@ -30,41 +30,28 @@ struct SmallTree
     }
 };
 
-TEST(ACBaseTest, ApplyOnNullFailsWithoutStartingTheAction)
-{
-    Recorder action;
-    EXPECT_EQ(action.Apply(static_cast<ECBase *>(nullptr)), ACBase::ResultFailed);
-    EXPECT_EQ(action.begins, 0);
-}
-
 TEST(ACBaseTest, DoActionResultSteersTheWalk)
 {
     const struct
     {
-        int answerAtA;
-        int expected;
-        std::initializer_list<int> visits; // root, a, a1, a2, b, c
+        int at, answer, expected; // at: index into root, a, a1, a2, b, c
+        std::initializer_list<int> visits;
     } cases[] = {
-        {-1, -1, {0, 1}}, {0, 0, {0, 1, 2, 3, 4, 5}}, {1, 0, {0, 1, 4, 5}},
-        {2, 2, {0, 1}},   {3, 0, {0, 1}},             {7, 0, {0, 1, 4, 5}},
+        {1, -1, -1, {0, 1}}, {1, 0, 0, {0, 1, 2, 3, 4, 5}}, {1, 1, 0, {0, 1, 4, 5}},
+        {1, 2, 2, {0, 1}},   {1, 3, 0, {0, 1}},             {1, 7, 0, {0, 1, 4, 5}},
+        {2, 3, 0, {0, 1, 2, 4, 5}}, // leaving drops only the rest of that parent's children
     };
     for (const auto &rc : cases)
     {
         SmallTree t;
         Recorder action;
-        action.answers.push_back({t.a, rc.answerAtA});
-        EXPECT_EQ(action.Apply(t.root), rc.expected) << rc.answerAtA;
-        EXPECT_EQ(action.visited, t.Pick(rc.visits)) << rc.answerAtA;
+        action.answers.push_back({t.Pick({rc.at})[0], rc.answer});
+        EXPECT_EQ(action.Apply(t.root), rc.expected) << rc.at << ": " << rc.answer;
+        EXPECT_EQ(action.visited, t.Pick(rc.visits)) << rc.at << ": " << rc.answer;
     }
-}
-
-TEST(ACBaseTest, LeaveDropsOnlyTheRemainingChildrenOfThatParent)
-{
-    SmallTree t;
     Recorder action;
-    action.answers.push_back({t.a1, ACBase::ResultLeave});
-    EXPECT_EQ(action.Apply(t.root), ACBase::ResultContinue);
-    EXPECT_EQ(action.visited, t.Pick({0, 1, 2, 4, 5}));
+    EXPECT_EQ(action.Apply(static_cast<ECBase *>(nullptr)), ACBase::ResultFailed);
+    EXPECT_EQ(action.begins, 0);
 }
 
 TEST(ACBaseTest, ClippedEventsAreVisitedButNotEntered)

@@ -36,35 +36,27 @@ void Attach(ECBase *e, int type)
     e->GetData()->SetAtGrow(MCDataArray::TypeToIndex(type), new DCBase);
 }
 
-TEST(ACFindEventsTest, MaxCountOfOneStopsAtTheFirstMatch)
+TEST(ACFindEventsTest, MaxCountStopsTheWalkAndWithoutResetFoundEventsAccumulate)
 {
     Staff s;
-    ACFindEvents find(1);
-    find.AddEvtType(EVENT_ID_NOTE);
-    find.SetMaxEventCount(1);
-    EXPECT_EQ(find.Apply(s.staff), ACBase::ResultStop);
-    EXPECT_EQ(ListOf(find.GetEvents()), std::vector<ECBase *>{s.n1});
-}
+    ACFindEvents first(1);
+    first.AddEvtType(EVENT_ID_NOTE);
+    first.SetMaxEventCount(1);
+    EXPECT_EQ(first.Apply(s.staff), ACBase::ResultStop);
+    EXPECT_EQ(ListOf(first.GetEvents()), std::vector<ECBase *>{s.n1});
 
-TEST(ACFindEventsTest, SearchFromAClippedSlurFindsOnlyTheSlur)
-{
-    Staff s;
-    ACFindEvents find;
-    EXPECT_EQ(find.Apply(s.slur), ACBase::ResultSkip);
-    EXPECT_EQ(ListOf(find.GetEvents()), std::vector<ECBase *>{s.slur});
-}
+    ACFindEvents rests(1);
+    rests.AddEvtType(EVENT_ID_REST);
+    rests.Apply(s.measure);
+    rests.Apply(s.measure);
+    EXPECT_EQ(ListOf(rests.GetEvents()), (std::vector<ECBase *>{s.rest, s.rest}));
+    rests.Reset();
+    rests.Apply(s.measure);
+    EXPECT_EQ(rests.GetEventCount(), 1);
 
-TEST(ACFindEventsTest, WithoutResetASecondApplyListsTheEventsTwice)
-{
-    Staff s;
-    ACFindEvents find(1);
-    find.AddEvtType(EVENT_ID_REST);
-    find.Apply(s.measure);
-    find.Apply(s.measure);
-    EXPECT_EQ(ListOf(find.GetEvents()), (std::vector<ECBase *>{s.rest, s.rest}));
-    find.Reset();
-    find.Apply(s.measure);
-    EXPECT_EQ(find.GetEventCount(), 1);
+    ACFindEvents fromSlur; // a clipped start is listed, its notes are not
+    EXPECT_EQ(fromSlur.Apply(s.slur), ACBase::ResultSkip);
+    EXPECT_EQ(ListOf(fromSlur.GetEvents()), std::vector<ECBase *>{s.slur});
 }
 
 TEST(ACFindEventsTest, TypeListDecidesWhatMatches)
