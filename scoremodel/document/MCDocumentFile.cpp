@@ -237,10 +237,18 @@ void MCDocumentFile::LoadArchive(CArchive &ar, ECPerformance *performance, int v
     performance->SetVersion(version);
     ar.MapObject(performance);
     performance->Serialize(ar);
+    // Checked before the post section walks it.
+    CheckTree(ar.GetLoadedObjects(), performance);
+    const size_t made = ar.GetLoadedObjects().size();
     ACPostSerialize post(ar);
     if (post.Apply(performance) == ACBase::ResultFailed)
         throw CArchiveException(CArchiveException::genericException, "the tree nests too deeply");
-    CheckTree(ar.GetLoadedObjects(), performance);
+    // The post section only links what the tree section made; anything new
+    // there would belong to nobody.
+    if (ar.GetLoadedObjects().size() != made)
+        throw CArchiveException(CArchiveException::genericException,
+                                std::string("a ") + ar.GetLoadedObjects()[made]->GetRuntimeClass()->m_lpszClassName +
+                                    " made by the post section");
 }
 
 // ---- Open files -------------------------------------------------------------------

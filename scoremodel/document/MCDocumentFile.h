@@ -30,6 +30,7 @@
 //     MCDocumentFile::Save(doc, "/home/me/song.smd");
 //     ECPerformance *copy = MCDocumentFile::Load("/home/me/song.smd");
 //     ...
+//     copy->RemoveChildren(1);    // the tree and the performance hold each other
 //     copy->Unref(1);
 //
 // Threads: saving and loading name the document active for their duration
@@ -86,7 +87,9 @@ public:
     // untouched then.
     static void Save(ECPerformance *performance, const char *path);
     // Reads the document at `path`. The result is held once for the caller,
-    // who lets go with Unref(1). Throws as described in the header comment.
+    // who takes it down with RemoveChildren(1) and Unref(1). Throws as
+    // described in the header comment. Parents come back in the order the
+    // stream meets them.
     static ECPerformance *Load(const char *path);
 
     // ---- Open files ----

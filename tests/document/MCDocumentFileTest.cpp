@@ -1,0 +1,506 @@
+// The document file: its exact bytes, round trips of random trees, old
+// layouts steered by the header's version, broken and hostile files, and the
+// atomic save.
+#include "events/base/EventTestSupport.h"
+
+#include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/events/base/DCBase.h>
+#include <scoremodel/events/media/ECFrame.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+#include <scoremodel/platform/CArchive.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <random>
+#include <set>
+
+namespace fs = std::filesystem;
+
+// An attachment with two values, as a plug-in would add.
+class DocTestData : public DCBase
+{
+    DECLARE_SERIAL(DocTestData)
+
+public:
+    void Set(int a, int b)
+    {
+        m_value = a;
+        m_value2 = b;
+    }
+    int A() const { return m_value.GetValue(); }
+    int B() const { return m_value2.GetValue(); }
+};
+IMPLEMENT_SERIAL(DocTestData, DCBase, VERSIONABLE_SCHEMA | 2)
+
+// A frame that is never valid, and one whose record fails half-way through a
+// save, as a full disk would.
+class DocBadFrame : public ECFrame
+{
+    DECLARE_SERIAL(DocBadFrame)
+
+public:
+    static int s_alive;
+    DocBadFrame() { ++s_alive; }
+    int IsValid() override { return 0; }
+
+protected:
+    ~DocBadFrame() override { --s_alive; }
+};
+IMPLEMENT_SERIAL(DocBadFrame, ECFrame, VERSIONABLE_SCHEMA | 2)
+int DocBadFrame::s_alive = 0;
+
+class DocDiskFull : public TestLeaf
+{
+    DECLARE_SERIAL(DocDiskFull)
+
+public:
+    DocDiskFull() = default;
+    void Serialize(CArchive &ar) override
+    {
+        TestLeaf::Serialize(ar);
+        if (ar.IsStoring())
+            throw CFileException(CFileException::diskFull, 28, "test");
+    }
+};
+IMPLEMENT_SERIAL(DocDiskFull, TestLeaf, VERSIONABLE_SCHEMA | 2)
+
+namespace
+{
+using Bytes = std::vector<BYTE>;
+
+struct Held
+{
+    ECPerformance *p;
+    explicit Held(ECPerformance *perf) : p(perf) {}
+    ~Held()
+    {
+        if (!p)
+            return;
+        p->RemoveChildren(1);
+        p->Unref(1);
+    }
+};
+
+ECPerformance *NewDocument()
+{
+    auto *doc = new ECPerformance;
+    doc->Ref();
+    return doc;
+}
+
+Bytes ToBytes(CMemFile &mem)
+{
+    Bytes out(static_cast<size_t>(mem.GetLength()));
+    mem.SeekToBegin();
+    mem.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+Bytes Save(ECPerformance *doc)
+{
+    CMemFile mem;
+    MCDocumentFile::Write(mem, doc);
+    return ToBytes(mem);
+}
+
+ECPerformance *Load(const Bytes &bytes, int *version = nullptr)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    return MCDocumentFile::Read(mem, version);
+}
+
+// A document file around an archive written by hand, for old layouts and
+// hostile streams. Index 1 is the performance.
+Bytes Document(int version, const std::function<void(CArchive &)> &body)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        body(ar);
+        ar.Close();
+    }
+    Bytes archive = ToBytes(mem);
+    Bytes out(MCDocumentFile::kTag, MCDocumentFile::kTag + 8);
+    for (int i = 0; i < 4; ++i)
+        out.push_back(static_cast<BYTE>(version >> (8 * i)));
+    for (int i = 0; i < 8; ++i)
+        out.push_back(static_cast<BYTE>(static_cast<ULONGLONG>(archive.size()) >> (8 * i)));
+    out.insert(out.end(), archive.begin(), archive.end());
+    return out;
+}
+
+void NewClass(CArchive &ar, const char *name)
+{
+    ar << WORD(0xFFFF) << WORD(2) << WORD(std::strlen(name));
+    ar.Write(name, static_cast<UINT>(std::strlen(name)));
+}
+
+// The events and attachments of two trees agree in class, fields, order,
+// sharing and parents. `pairs` maps the first tree's events to the second's.
+void ExpectSameTree(ECBase *a, ECBase *b, std::map<ECBase *, ECBase *> &pairs)
+{
+    ASSERT_NE(b, nullptr);
+    if (auto it = pairs.find(a); it != pairs.end())
+    {
+        EXPECT_EQ(it->second, b) << "sharing differs";
+        return;
+    }
+    pairs[a] = b;
+    EXPECT_STREQ(a->GetRuntimeClass()->m_lpszClassName, b->GetRuntimeClass()->m_lpszClassName);
+    EXPECT_EQ(a->GetFlags() & ~ECBase::FlagSelection, b->GetFlags());
+    if (a->GetTime())
+    {
+        EXPECT_TRUE(*a->GetTime() == *b->GetTime());
+        EXPECT_EQ(a->GetTime()->GetMode(), b->GetTime()->GetMode());
+        EXPECT_EQ(a->GetVoiceTrack()->GetValue(), b->GetVoiceTrack()->GetValue());
+    }
+    for (int slot = 0; slot < 8; ++slot)
+    {
+        auto *da = static_cast<DocTestData *>(a->GetData()->GetAt(slot));
+        auto *db = static_cast<DocTestData *>(b->GetData()->GetAt(slot));
+        ASSERT_EQ(da == nullptr, db == nullptr) << "slot " << slot;
+        if (da)
+            EXPECT_EQ(std::make_pair(da->A(), da->B()), std::make_pair(db->A(), db->B()));
+    }
+    ASSERT_EQ(a->GetChildren() == nullptr, b->GetChildren() == nullptr);
+    if (!a->GetChildren())
+        return;
+    ASSERT_EQ(a->GetChildren()->GetCount(), b->GetChildren()->GetCount());
+    POSITION pb = b->GetChildren()->GetHeadPosition();
+    for (POSITION pa = a->GetChildren()->GetHeadPosition(); pa;)
+        ExpectSameTree(a->GetChildren()->GetNext(pa), b->GetChildren()->GetNext(pb), pairs);
+}
+
+// Parents come back in the order the stream meets them, which need not be
+// the order they were added in; the set is what must agree.
+void ExpectSameParents(const std::map<ECBase *, ECBase *> &pairs)
+{
+    for (auto [a, b] : pairs)
+    {
+        std::multiset<ECBase *> expected, actual;
+        for (POSITION pos = a->GetParents()->GetHeadPosition(); pos;)
+            expected.insert(pairs.at(a->GetParents()->GetNext(pos)));
+        for (POSITION pos = b->GetParents()->GetHeadPosition(); pos;)
+            actual.insert(b->GetParents()->GetNext(pos));
+        EXPECT_EQ(expected, actual);
+    }
+}
+
+// A random tree below a performance: containers and leaves with random
+// times, voices, spare and selection flags and attachments; one event in
+// five has a second parent.
+ECPerformance *RandomDocument(unsigned seed)
+{
+    std::mt19937 rng(seed);
+    auto pick = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    ECPerformance *doc = NewDocument();
+    std::vector<ECBase *> containers{doc};
+    const int count = 1 + pick(60);
+    for (int i = 0; i < count; ++i)
+    {
+        ECBase *event;
+        if (pick(3) == 0)
+        {
+            TestNode *node = TestNode::Make();
+            node->SetRawFlags(static_cast<BYTE>(rng() & 0xFC));
+            containers.push_back(node);
+            event = node;
+        }
+        else
+        {
+            TestLeaf *leaf = TestLeaf::Make();
+            leaf->SetRawFlags(static_cast<BYTE>(rng() & 0xFC));
+            event = leaf;
+        }
+        MCTime time = pick(2) ? MCTime(static_cast<float>(pick(10000)) / 64) : MCTime(pick(50), pick(4), pick(480), 480);
+        event->SetTime(&time);
+        event->SetVoiceTrack(pick(16), pick(0x800));
+        if (pick(4) == 0)
+        {
+            auto *data = new DocTestData;
+            data->Set(static_cast<int>(rng()), static_cast<int>(rng()));
+            data->SetOwner(event);
+            event->GetData()->SetAtGrow(MCDataArray::TypeToIndex(pick(8)), data);
+        }
+        // Only containers made before this event: it has no descendants yet,
+        // so no cycle can form.
+        containers[static_cast<size_t>(pick(static_cast<int>(containers.size()) - (event == containers.back())))]
+            ->AddChild(event, 0);
+        if (pick(5) == 0)
+            containers[static_cast<size_t>(pick(static_cast<int>(containers.size())))]->AddChild(event, 0);
+    }
+    return doc;
+}
+
+class MCDocumentFileTest : public ::testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        EXPECT_EQ(TestNode::s_alive, 0) << "a loaded container outlived its document";
+        EXPECT_EQ(TestLeaf::s_alive, 0) << "a loaded leaf outlived its document";
+        EXPECT_EQ(DocBadFrame::s_alive, 0);
+        EXPECT_EQ(ECPerformance::GetActivePerformance(), nullptr);
+    }
+
+    // Loading these bytes fails with a document error naming `problem`.
+    static void ExpectRejected(const Bytes &bytes, const std::string &problem)
+    {
+        try
+        {
+            Held loaded(Load(bytes));
+            ADD_FAILURE() << "loaded a document that should fail with " << problem;
+        }
+        catch (const MCDocumentException &e)
+        {
+            EXPECT_NE(std::string(e.what()).find(problem), std::string::npos) << e.what();
+        }
+    }
+};
+} // namespace
+
+// A change of format shows here first: every byte of a small document.
+TEST_F(MCDocumentFileTest, SmallDocumentHasExactlyTheseBytes)
+{
+    Held doc(NewDocument());
+    TestNode *node = TestNode::Make(1.0f);
+    node->SetVoiceTrack(2, 3);
+    TestLeaf *leaf = TestLeaf::Make(0.5f);
+    doc.p->AddChild(node, 0);
+    node->AddChild(leaf, 0);
+    doc.p->AddChild(leaf, 0);
+
+    const Bytes expected = {
+        0x89, 'S', 'M', 'D', 0x0D, 0x0A, 0x1A, 0x0A, // tag
+        20, 0, 0, 0,                                 // version
+        58, 0, 0, 0, 0, 0, 0, 0,                     // archive length
+        // The performance (mapped as index 1): flags, two children.
+        0x02, 2, 0,
+        // Index 2: class TestNode, schema 2; index 3: the node.
+        0xFF, 0xFF, 2, 0, 8, 0, 'T', 'e', 's', 't', 'N', 'o', 'd', 'e',
+        0x02, 1, 0,
+        // Index 4: class TestLeaf; index 5: the leaf, time 0.5, voice 15 track 0x7FF.
+        0xFF, 0xFF, 2, 0, 8, 0, 'T', 'e', 's', 't', 'L', 'e', 'a', 'f',
+        0x00, 0, 0, 0, 0, 0x3F, 0xFF, 0x7F,
+        // The node's time 1.0 and voice 2 track 3.
+        0, 0, 0, 0x80, 0x3F, 0x32, 0x00,
+        // The performance's second child: the leaf again, by reference.
+        5, 0,
+        // The performance's own time (none) and voice/track.
+        0, 0xFF, 0xFF, 0x7F, 0xFF, 0xFF, 0x7F,
+        // The post section has nothing to say for these classes.
+    };
+    EXPECT_EQ(Save(doc.p), expected);
+
+    Held loaded(Load(expected));
+    ECBase *loadedLeaf = loaded.p->GetChildren()->GetTail();
+    EXPECT_EQ(loadedLeaf->GetParents()->GetCount(), 2) << "a shared event keeps both parents";
+    EXPECT_EQ(loaded.p->GetChildren()->GetHead()->GetChildren()->GetHead(), loadedLeaf);
+}
+
+TEST_F(MCDocumentFileTest, RandomDocumentsComeBackEqual)
+{
+    for (unsigned seed = 1; seed <= 300; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        Held doc(RandomDocument(seed));
+        const Bytes bytes = Save(doc.p);
+        int version = -1;
+        Held loaded(Load(bytes, &version));
+        EXPECT_EQ(version, MCDocumentFile::kVersion);
+        std::map<ECBase *, ECBase *> pairs;
+        ExpectSameTree(doc.p, loaded.p, pairs);
+        ExpectSameParents(pairs);
+        // Only the selection is lost on the way.
+        for (auto [original, copy] : pairs)
+        {
+            EXPECT_EQ(copy->GetSelectedFlag(), 0u);
+            original->SetSelected(0, 3);
+        }
+        EXPECT_EQ(Save(loaded.p), Save(doc.p)) << "a loaded document saves to the same bytes";
+    }
+}
+
+// The header's version reaches the loaders: a version 0 time is a bare float,
+// and below version 3 attachments stand by position behind a count.
+TEST_F(MCDocumentFileTest, OldestLayoutsLoadIntoTheRightValues)
+{
+    auto body = [](int version) {
+        return [version](CArchive &ar) {
+            ar << BYTE(0x02) << WORD(1);
+            NewClass(ar, "TestLeaf"); // index 2, the leaf 3
+            ar << BYTE(0x01);
+            ar.WriteCount(2);
+            ar << WORD(0);
+            NewClass(ar, "DocTestData"); // index 4, the attachment 5
+            ar << LONG(1) << LONG(7) << LONG(9) << WORD(3);
+            if (version >= 1)
+                ar << BYTE(0);
+            ar << 2.5f << WORD(0x0012);
+            if (version >= 1)
+                ar << BYTE(0);
+            ar << 0.0f << WORD(0x7FFF);
+        };
+    };
+    for (int version : {0, 2})
+    {
+        SCOPED_TRACE(version);
+        Held loaded(Load(Document(version, body(version))));
+        ECBase *leaf = loaded.p->GetChildren()->GetHead();
+        EXPECT_TRUE(*leaf->GetTime() == MCTime(2.5f));
+        EXPECT_EQ(leaf->GetVoice(), 2);
+        EXPECT_EQ(leaf->GetTrack(), 1);
+        auto *data = static_cast<DocTestData *>(leaf->GetData()->GetAt(MCDataArray::TypeToIndex(1)));
+        ASSERT_NE(data, nullptr);
+        EXPECT_EQ(data->A(), 9);
+        EXPECT_EQ(data->GetOwner(), leaf);
+        EXPECT_EQ(loaded.p->GetVersion(), version);
+    }
+}
+
+// Hostile trees that a stream can describe and a document can't hold.
+TEST_F(MCDocumentFileTest, TreesThatAreNoTreesAreRejectedAndReleased)
+{
+    // An attachment whose owner is an event nobody else has.
+    ExpectRejected(Document(20,
+                            [](CArchive &ar) {
+                                ar << BYTE(0x02) << WORD(1);
+                                NewClass(ar, "TestLeaf");
+                                ar << BYTE(0x01) << BYTE(1) << BYTE(0) << BYTE(0);
+                                NewClass(ar, "DocTestData");
+                                ar << LONG(0) << LONG(0) << WORD(0x8002) << BYTE(0x00) << BYTE(0) << 1.0f
+                                   << WORD(0) << BYTE(0) << 1.0f << WORD(0) << BYTE(0) << 0.0f << WORD(0);
+                            }),
+                   "TestLeaf outside the tree");
+    // A container whose child is the performance.
+    ExpectRejected(Document(20,
+                            [](CArchive &ar) {
+                                ar << BYTE(0x02) << WORD(1);
+                                NewClass(ar, "TestNode");
+                                ar << BYTE(0x02) << WORD(1) << WORD(1) << BYTE(0) << 1.0f << WORD(0) << BYTE(0)
+                                   << 0.0f << WORD(0);
+                            }),
+                   "among its own descendants");
+}
+
+// The invalid frame dies at once; a later reference to it reads as nothing.
+TEST_F(MCDocumentFileTest, InvalidFrameIsDroppedAndLaterReferencesToItAreNull)
+{
+    Held loaded(Load(Document(20, [](CArchive &ar) {
+        ar << BYTE(0x02) << WORD(3);
+        NewClass(ar, "DocBadFrame"); // index 2, the frame 3
+        ar << BYTE(0) << BYTE(0) << 1.0f << WORD(0);
+        NewClass(ar, "TestLeaf"); // index 4, the leaf 5
+        ar << BYTE(0) << BYTE(0) << 1.0f << WORD(0);
+        ar << WORD(3) << BYTE(0) << 0.0f << WORD(0);
+    })));
+    EXPECT_EQ(DocBadFrame::s_alive, 0);
+    ASSERT_EQ(loaded.p->GetChildren()->GetCount(), 1);
+    EXPECT_STREQ(loaded.p->GetChildren()->GetHead()->GetRuntimeClass()->m_lpszClassName, "TestLeaf");
+}
+
+// Every cut and every flipped byte of a document either loads or fails with a
+// document error, and nothing outlives it.
+TEST_F(MCDocumentFileTest, CutOrFlippedDocumentsFailCleanly)
+{
+    Held doc(RandomDocument(7));
+    const Bytes bytes = Save(doc.p);
+    for (size_t n = 0; n < bytes.size(); ++n)
+    {
+        SCOPED_TRACE(n);
+        EXPECT_THROW(Held(Load(Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n)))),
+                     MCDocumentException);
+        for (BYTE mask : {0x01, 0x80, 0xFF})
+        {
+            Bytes flipped = bytes;
+            flipped[n] ^= mask;
+            try
+            {
+                Held loaded(Load(flipped));
+            }
+            catch (const MCDocumentException &)
+            {
+            }
+        }
+    }
+}
+
+TEST_F(MCDocumentFileTest, ErrorsSayWhatAndWhere)
+{
+    const struct
+    {
+        Bytes bytes;
+        const char *problem;
+        ULONGLONG offset;
+    } cases[] = {
+        {{'<', '?', 'x', 'm', 'l'}, "not a scoremodel document", 0},
+        {{}, "not a scoremodel document", 0},
+        {Bytes(MCDocumentFile::kTag, MCDocumentFile::kTag + 8), "the header has 8 of its 20 bytes", 8},
+        {Document(21, [](CArchive &ar) { ar << BYTE(0); }), "document version 21", 8},
+        {Document(20, [](CArchive &ar) { ar << BYTE(0x02) << WORD(1) << WORD(0x8009); }), "class index 9", 25},
+    };
+    for (const auto &c : cases)
+    {
+        try
+        {
+            Held loaded(Load(c.bytes));
+            ADD_FAILURE() << c.problem;
+        }
+        catch (const MCDocumentException &e)
+        {
+            EXPECT_NE(std::string(e.what()).find(c.problem), std::string::npos) << e.what();
+            EXPECT_EQ(e.GetOffset(), c.offset) << e.what();
+        }
+    }
+}
+
+TEST_F(MCDocumentFileTest, SaveReplacesAtomicallyAndAFailedSaveLeavesTheOldFile)
+{
+    const fs::path dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "document-test";
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    const std::string path = (dir / "song.smd").string();
+
+    Held first(RandomDocument(3));
+    MCDocumentFile::Save(first.p, path.c_str());
+    const auto size = fs::file_size(path);
+
+    Held broken(RandomDocument(4));
+    broken.p->AddChild(new DocDiskFull, 0);
+    EXPECT_THROW(MCDocumentFile::Save(broken.p, path.c_str()), CFileException);
+    EXPECT_EQ(fs::file_size(path), size);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1) << "a temporary file was left";
+
+    Held second(RandomDocument(5));
+    MCDocumentFile::Save(second.p, path.c_str());
+    Held loaded(MCDocumentFile::Load(path.c_str()));
+    std::map<ECBase *, ECBase *> pairs;
+    ExpectSameTree(second.p, loaded.p, pairs);
+
+    EXPECT_THROW(MCDocumentFile::Save(first.p, (dir / "no" / "such.smd").string().c_str()), CFileException);
+    try
+    {
+        std::ofstream(dir / "text.smd") << "just text";
+        Held notADocument(MCDocumentFile::Load((dir / "text.smd").string().c_str()));
+        ADD_FAILURE();
+    }
+    catch (const MCDocumentException &e)
+    {
+        EXPECT_EQ(e.GetPath(), (dir / "text.smd").string());
+    }
+    fs::remove_all(dir);
+}
+
+TEST_F(MCDocumentFileTest, SaveAndLoadPutTheActivePerformanceBack)
+{
+    Held other(NewDocument());
+    ECPerformance::SetActivePerformance(other.p);
+    Held doc(RandomDocument(9));
+    Held loaded(Load(Save(doc.p)));
+    EXPECT_EQ(ECPerformance::GetActivePerformance(), other.p);
+    ECPerformance::SetActivePerformance(nullptr);
+}
