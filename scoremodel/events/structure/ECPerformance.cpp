@@ -1,6 +1,7 @@
 #include <scoremodel/events/structure/ECPerformance.h>
 
 #include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/platform/CArchive.h>
 
 IMPLEMENT_SERIAL(ECPerformance, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
@@ -70,7 +71,7 @@ int ECPerformance::GetActiveVersion()
 ECConductor *ECPerformance::GetConductor()
 {
     if (!m_pConductor)
-        m_pConductor = reinterpret_cast<ECConductor *>(GetDescendant(EVENT_ID_CONDUCTOR, -1));
+        m_pConductor = static_cast<ECConductor *>(GetDescendant(EVENT_ID_CONDUCTOR, -1));
     return m_pConductor;
 }
 

@@ -12,11 +12,13 @@
 //     doc->AddChild(new ECConductor, 0);
 //     doc->AddStateHandler(OnDocumentState, view);
 //     ...
-//     doc->Unref(1);                                // takes the tree down
+//     doc->RemoveChildren(1);                       // the tree goes
+//     doc->Unref(1);                                // then the document
 //
 // The host must hold a reference (Ref) for as long as it uses the document:
 // every Apply takes one more and the batch gives it back, so a document that
-// nobody holds would die with its first batch.
+// nobody holds would die with its first batch. Children hold their parents
+// too, so the document dies only once its tree is taken down.
 //
 // Version. The host calls SetVersion with the number in its own file header
 // before it loads, and SetActivePerformance before it loads or saves; the
