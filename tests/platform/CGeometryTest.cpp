@@ -26,8 +26,6 @@ TEST(CRectSetOps, IntersectionIsTheOverlapOrEmpty)
         {"partial overlap", {0, 0, 10, 10}, {5, 5, 20, 20}, {5, 5, 10, 10}, true},
         {"contained", {0, 0, 10, 10}, {2, 3, 4, 5}, {2, 3, 4, 5}, true},
         {"shared right edge only", {0, 0, 10, 10}, {10, 0, 20, 10}, {0, 0, 0, 0}, false},
-        {"shared bottom edge only", {0, 0, 10, 10}, {0, 10, 10, 20}, {0, 0, 0, 0}, false},
-        {"disjoint", {0, 0, 1, 1}, {5, 5, 6, 6}, {0, 0, 0, 0}, false},
         {"empty operand", {0, 0, 10, 10}, {3, 3, 3, 8}, {0, 0, 0, 0}, false},
         {"inverted operand", {0, 0, 10, 10}, {8, 8, 2, 2}, {0, 0, 0, 0}, false},
         {"negative coordinates", {-10, -10, 0, 0}, {-5, -20, 5, -5}, {-5, -10, 0, -5}, true},
@@ -52,7 +50,6 @@ TEST(CRectSetOps, UnionIgnoresEmptyRectangles)
     };
     const Case cases[] = {
         {"two boxes", {0, 0, 2, 2}, {5, 6, 7, 8}, {0, 0, 7, 8}, true},
-        {"contained", {0, 0, 10, 10}, {2, 2, 3, 3}, {0, 0, 10, 10}, true},
         {"empty far away does not stretch", {0, 0, 2, 2}, {100, 100, 100, 200}, {0, 0, 2, 2}, true},
         {"empty first", {-50, -50, -50, -50}, {1, 1, 2, 2}, {1, 1, 2, 2}, true},
         {"both empty", {1, 1, 1, 1}, {5, 5, 4, 4}, {0, 0, 0, 0}, false},
@@ -74,10 +71,6 @@ TEST(CRectSetOps, InPlaceOperationsMayNameThemselves)
     EXPECT_EQ(CRect(5, 5, 10, 10), r);
     r.UnionRect(&r, &other);
     EXPECT_EQ(CRect(5, 5, 15, 15), r);
-    r &= CRect(0, 0, 6, 6);
-    EXPECT_EQ(CRect(5, 5, 6, 6), r);
-    r |= CRect(0, 0, 1, 1);
-    EXPECT_EQ(CRect(0, 0, 6, 6), r);
 }
 
 TEST(CRectShape, NormalizeSwapsInvertedCorners)
@@ -90,16 +83,12 @@ TEST(CRectShape, NormalizeSwapsInvertedCorners)
         {{10, 20, 0, 0}, {0, 0, 10, 20}},
         {{10, 0, 0, 20}, {0, 0, 10, 20}},
         {{0, 20, 10, 0}, {0, 0, 10, 20}},
-        {{0, 0, 10, 20}, {0, 0, 10, 20}},
-        {{-3, -3, -3, -3}, {-3, -3, -3, -3}},
     };
     for (const Case &c : cases)
     {
         CRect r = c.in;
         r.NormalizeRect();
         EXPECT_EQ(c.expected, r) << c.in;
-        EXPECT_GE(r.Width(), 0);
-        EXPECT_GE(r.Height(), 0);
     }
 }
 
@@ -120,47 +109,16 @@ TEST(CRectShape, PointsOnTheRightAndBottomEdgesAreOutside)
     EXPECT_FALSE(CRect(3, 3, 3, 9).PtInRect(CPoint(3, 4))) << "an empty rectangle contains nothing";
 }
 
-TEST(CRectShape, EmptyAndNullAreDifferentTests)
-{
-    EXPECT_TRUE(CRect().IsRectNull());
-    EXPECT_TRUE(CRect().IsRectEmpty());
-    EXPECT_TRUE(CRect(5, 5, 5, 10).IsRectEmpty());
-    EXPECT_FALSE(CRect(5, 5, 5, 10).IsRectNull());
-    EXPECT_TRUE(CRect(10, 10, 0, 0).IsRectEmpty()) << "inverted counts as empty";
-    EXPECT_FALSE(CRect(0, 0, 1, 1).IsRectEmpty());
-}
-
-TEST(CRectShape, InflateAndDeflateAreInverses)
+TEST(CRectShape, OverDeflatingInvertsAndAnInvertedRectangleIsEmpty)
 {
     CRect r(10, 20, 30, 40);
-    r.InflateRect(2, 3);
-    EXPECT_EQ(CRect(8, 17, 32, 43), r);
-    r.DeflateRect(2, 3);
-    EXPECT_EQ(CRect(10, 20, 30, 40), r);
-
     const RECT sides{1, 2, 3, 4};
     r.InflateRect(&sides);
     EXPECT_EQ(CRect(9, 18, 33, 44), r) << "each side grows by its own amount";
-    r -= &sides;
-    EXPECT_EQ(CRect(10, 20, 30, 40), r);
     r.DeflateRect(CSize(15, 15));
-    EXPECT_TRUE(r.IsRectEmpty()) << "over-deflating inverts, it does not clamp";
-}
-
-TEST(CRectShape, MovingKeepsTheSize)
-{
-    CRect r(10, 20, 30, 60);
-    r.OffsetRect(-15, 5);
-    EXPECT_EQ(CRect(-5, 25, 15, 65), r);
-    r.MoveToXY(0, 0);
-    EXPECT_EQ(CRect(0, 0, 20, 40), r);
-    EXPECT_EQ(CSize(20, 40), r.Size());
-    EXPECT_EQ(CRect(1, 2, 21, 42), r + CPoint(1, 2));
-    EXPECT_EQ(CRect(-1, -2, 19, 38), r - CSize(1, 2));
-    EXPECT_EQ(CPoint(10, 20), r.CenterPoint());
-    EXPECT_EQ(CPoint(0, 0), r.TopLeft());
-    EXPECT_EQ(CPoint(20, 40), r.BottomRight());
-    EXPECT_EQ(CRect(CPoint(3, 4), CSize(5, 6)), CRect(3, 4, 8, 10));
+    EXPECT_EQ(CRect(24, 33, 18, 29), r);
+    EXPECT_TRUE(r.IsRectEmpty());
+    EXPECT_FALSE(CRect(5, 5, 5, 10).IsRectNull());
 }
 
 TEST(CRectShape, FarCoordinatesDoNotOverflow)
@@ -170,24 +128,6 @@ TEST(CRectShape, FarCoordinatesDoNotOverflow)
     EXPECT_EQ(10, r.Width());
     const CRect wide(INT_MIN, 0, INT_MAX, 1);
     EXPECT_EQ(CPoint(0, 0), wide.CenterPoint());
-}
-
-TEST(CPointArithmetic, DifferencesAndOffsetsAgree)
-{
-    const CPoint a(3, 4), b(10, -2);
-    const CSize d = b - a;
-    EXPECT_EQ(CSize(7, -6), d);
-    EXPECT_EQ(b, a + d);
-    EXPECT_EQ(a, b - d);
-    EXPECT_EQ(CPoint(-3, -4), -a);
-    EXPECT_EQ(CPoint(13, 2), a + b);
-    CPoint p = a;
-    p += CSize(1, 1);
-    p -= CPoint(4, 5);
-    EXPECT_EQ(CPoint(0, 0), p);
-    EXPECT_NE(a, b);
-    EXPECT_EQ(CSize(-7, 6), -d);
-    EXPECT_EQ(CPoint(8, 10), CSize(5, 6) + a);
 }
 
 TEST(CPointArithmetic, PackedPointKeepsSignedWords)

@@ -39,32 +39,20 @@ TEST(CMap, SetAtReplacesLookupMissesLeaveTheValueAndRemoveKeyReportsPresence)
 {
     IntMap map;
     map.SetAt(1, 10);
-    map.SetAt(2, 20);
     map.SetAt(1, 11);
-    EXPECT_EQ(map.GetCount(), 2);
     int value = -5;
     EXPECT_TRUE(map.Lookup(1, value));
     EXPECT_EQ(value, 11);
     value = -5;
     EXPECT_FALSE(map.Lookup(3, value));
     EXPECT_EQ(value, -5);
-
-    EXPECT_EQ(map[7], 0); // a new key reads as a value-initialised element
-    EXPECT_EQ(map.GetSize(), 3);
-    map[7] += 4;
+    map[7] += 4; // a new key starts value-initialised
     EXPECT_EQ(map.PLookup(7)->value, 4);
     EXPECT_EQ(map.PLookup(8), nullptr);
-
-    EXPECT_TRUE(map.RemoveKey(2));
-    EXPECT_FALSE(map.RemoveKey(2));
-    EXPECT_FALSE(map.Lookup(2, value));
-    EXPECT_EQ(map.GetCount(), 2);
-
-    IntMap empty;
-    EXPECT_FALSE(empty.RemoveKey(1));
-    EXPECT_FALSE(empty.Lookup(1, value));
-    EXPECT_TRUE(empty.IsEmpty());
-    EXPECT_EQ(empty.GetStartPosition(), nullptr);
+    EXPECT_TRUE(map.RemoveKey(1));
+    EXPECT_FALSE(map.RemoveKey(1));
+    EXPECT_EQ(map.GetCount(), 1);
+    EXPECT_FALSE(IntMap().RemoveKey(1));
 }
 
 TEST(CMap, WalkVisitsEveryKeyOnceInInsertionOrderAcrossTableGrowth)
@@ -137,24 +125,13 @@ TEST(CMap, InitHashTableOnAFilledMapAndRemoveAllKeepTheMapUsable)
     for (int i = 0; i < 100; i++)
         map[i] = i;
     map.InitHashTable(3);
-    EXPECT_EQ(map.GetHashTableSize(), 3u);
     int value;
     for (int i = 0; i < 100; i++)
         ASSERT_TRUE(map.Lookup(i, value) && value == i) << i;
-    map.InitHashTable(0);
-    EXPECT_TRUE(map.Lookup(99, value));
-
     map.RemoveAll();
-    EXPECT_TRUE(map.IsEmpty());
     EXPECT_EQ(map.GetStartPosition(), nullptr);
-    EXPECT_FALSE(map.Lookup(5, value));
     map[5] = 6;
     EXPECT_EQ((Walk<IntMap, int, int>(map)), (std::vector<std::pair<int, int>>{{5, 6}}));
-
-    IntMap lazy;
-    lazy.InitHashTable(101, FALSE);
-    lazy[1] = 1;
-    EXPECT_EQ(lazy.GetHashTableSize(), 101u);
 }
 
 TEST(CMap, GetNextAssocAtTheEndThrowsInsteadOfReadingFreedMemory)
@@ -186,37 +163,13 @@ TEST(CMap, TextKeysCompareByContentNotByAddress)
     EXPECT_EQ(value, 9);
 
     CMapStringToPtr wide;
-    int a = 0, b = 0;
+    int a = 0;
     wide.SetAt(L"cello", &a);
-    wide[CString(L"bass")] = &b;
     void *p = nullptr;
     std::wstring probeWide = L"cello";
     EXPECT_TRUE(wide.Lookup(probeWide.c_str(), p));
     EXPECT_EQ(p, &a);
-    EXPECT_TRUE(wide.RemoveKey(L"bass"));
-    EXPECT_EQ(wide.GetCount(), 1);
 
-    CMap<CString, const CString &, CString, const CString &> strings;
-    strings[CString(L"k")] = L"v";
-    strings.SetAt(CString(L"k"), L"w");
-    EXPECT_EQ(strings.GetCount(), 1);
-    EXPECT_EQ(strings.PLookup(CString(L"k"))->value, CString(L"w"));
-}
-
-TEST(CMap, NonTrivialValuesAreReleasedOnRemovalAndMove)
-{
-    CMap<int, int, std::string, const std::string &> map;
-    for (int i = 0; i < 50; i++)
-        map[i] = std::string(40, (char)('a' + i % 26));
-    map.RemoveKey(3);
-    CMap<int, int, std::string, const std::string &> moved(std::move(map));
-    EXPECT_TRUE(map.IsEmpty());
-    EXPECT_EQ(moved.GetCount(), 49);
-    map[1] = "still usable";
-    EXPECT_EQ(map.GetCount(), 1);
-    moved = std::move(map);
-    EXPECT_EQ(moved.GetCount(), 1);
-    EXPECT_EQ(moved.PLookup(1)->value, "still usable");
 }
 
 TEST(CTypedPtrMap, KeysAndValuesComeBackAsTheirOwnTypes)
@@ -229,7 +182,6 @@ TEST(CTypedPtrMap, KeysAndValuesComeBackAsTheirOwnTypes)
     EXPECT_TRUE(partners.Lookup(&one, p));
     EXPECT_EQ(p, &two);
     EXPECT_EQ(partners[&two]->m_nWeight, 1);
-
     std::map<TestItem *, TestItem *> seen;
     for (POSITION pos = partners.GetStartPosition(); pos;)
     {
@@ -238,17 +190,4 @@ TEST(CTypedPtrMap, KeysAndValuesComeBackAsTheirOwnTypes)
         seen[key] = value;
     }
     EXPECT_EQ(seen, (std::map<TestItem *, TestItem *>{{&one, &two}, {&two, &one}}));
-    EXPECT_TRUE(partners.RemoveKey(&one));
-    EXPECT_FALSE(partners.Lookup(&one, p));
-
-    CTypedPtrMap<CMapStringToPtr, CString, TestItem *> byName;
-    byName[L"one"] = &one;
-    EXPECT_TRUE(byName.Lookup(L"one", p));
-    EXPECT_EQ(p, &one);
-
-    CTypedPtrMap<CMap<UINT, UINT, void *, void *>, UINT, TestItem *> byId;
-    byId.SetAt(7, &two);
-    EXPECT_EQ(static_cast<TestItem *>(byId[7]), &two);
-    EXPECT_EQ(static_cast<TestItem *>(byId[8]), nullptr);
-    EXPECT_EQ(byId.GetCount(), 2);
 }

@@ -30,12 +30,6 @@ TEST(CStringFormat, ConversionsMatchThePlatform)
     const short negativeShort = -2;
     const LONG negativeLong = -1;
     const Case cases[] = {
-        {L"[ 42]", f(L"[%3d]", 42)},
-        {L"[42  ]", f(L"[%-4d]", 42)},
-        {L"[00042]", f(L"[%05d]", 42)},
-        {L"[+7]", f(L"[%+d]", 7)},
-        {L"0a ff FF", f(L"%02x %x %X", 10, 255, 255)},
-        {L"0x1f 17", f(L"%#x %o", 31, 15)},
         {L"4294967295", f(L"%u", -1)},
         {L"-2", f(L"%hd", negativeShort)},
         {L"4464 44", f(L"%hd %hhu", 70000, 300)},
@@ -43,18 +37,11 @@ TEST(CStringFormat, ConversionsMatchThePlatform)
         // stray high bits.
         {L"-1 4294967295", f(L"%ld %lu", negativeLong, negativeLong)},
         {L"1099511627776 -1099511627776", f(L"%lld %I64d", 1LL << 40, -(1LL << 40))},
-        {L"3.141590 3.14 2.5e+00", f(L"%f %.2f %.1e", 3.14159, 3.14159, 2.5)},
-        {L"0.0001 1e+20", f(L"%g %g", 0.0001, 1e20)},
-        {L"[  1.50]", f(L"[%6.2f]", 1.5f)},
-        {L"100%", f(L"%d%%", 100)},
-        {L"[   7]", f(L"[%*d]", 4, 7)},
         {L"[7   ]", f(L"[%*d]", -4, 7)},
         {L"[ab]", f(L"[%.*s]", 2, L"abcdef")},
-        {L"[  abc] [abc  ] [ab]", f(L"[%5s] [%-5s] [%.2s]", L"abc", L"abc", L"abcdef")},
         {L"(null)", f(L"%s", static_cast<const wchar_t *>(nullptr))},
         {L"Z \u00e9 A", f(L"%c %c %C", L'Z', L'\u00e9', 'A')},
         {L"trailing %", f(L"trailing %")},
-        {L"no args", f(L"no args")},
     };
     for (const Case &c : cases)
         EXPECT_EQ(std::wstring(c.expected), W(c.actual));
@@ -69,15 +56,6 @@ TEST(CStringFormat, WideStringTakesPercentSAndNarrowUtf8TakesCapitalS)
     CStringA a;
     a.Format("%s|%S|%ls|%C", "x", L"\u00e9", L"\u4e2d", L'\u00fc');
     EXPECT_STREQ("x|\xc3\xa9|\xe4\xb8\xad|\xc3\xbc", a.GetString());
-}
-
-TEST(CStringFormat, StringObjectsAsArgumentsArePassedAsText)
-{
-    const CString name(L"Oboe");
-    const CStringA bytes("bytes");
-    CString s;
-    s.Format(L"%s/%S", name, bytes);
-    EXPECT_EQ(L"Oboe/bytes", W(s));
 }
 
 TEST(CStringFormat, FormattingIntoItselfKeepsTheOldValue)
@@ -110,9 +88,8 @@ TEST(CStringFormat, ArgumentsAreReadByTheirRealType)
     EXPECT_EQ(L"5000000000 4294967295 7 1", W(s));
     s.Format(L"%f %d%%", 3, 50);
     EXPECT_EQ(L"3.000000 50%", W(s)) << "an integer given to %f is its value";
-    enum Colour { red = 2 };
-    s.Format(L"%d %c", red, 'A');
-    EXPECT_EQ(L"2 A", W(s));
+    s.Format(L"%s/%S", CString(L"Oboe"), CStringA("bytes"));
+    EXPECT_EQ(L"Oboe/bytes", W(s)) << "string objects pass as their text";
 }
 
 TEST(CStringFormat, TooFewOrWrongArgumentsThrowInsteadOfReadingGarbage)
@@ -146,14 +123,6 @@ TEST(CStringFormat, VaListFormattingFollowsThePlatformWidths)
                                                                    "\xc3\xa9", 'x')));
 }
 
-TEST(CStringFormat, AppendFormatKeepsExistingText)
-{
-    CString s(L"Bar ");
-    s.AppendFormat(L"%d of %d", 3, 12);
-    s.AppendFormat(L"!");
-    EXPECT_EQ(L"Bar 3 of 12!", W(s));
-}
-
 TEST(CStringFormat, HostileSpecsNeitherCrashNorWriteThroughArguments)
 {
     CString s;
@@ -179,11 +148,9 @@ TEST(CStringSubstrings, OutOfRangeArgumentsClampInsteadOfThrowing)
         const wchar_t *expected;
     };
     const Case cases[] = {
-        {s.Mid(2), L"cdef"},         {s.Mid(2, 2), L"cd"},   {s.Mid(-3, 2), L"ab"},
-        {s.Mid(4, 100), L"ef"},      {s.Mid(6), L""},        {s.Mid(100), L""},
-        {s.Mid(2, -1), L""},         {s.Mid(-1), L"abcdef"}, {s.Left(2), L"ab"},
-        {s.Left(-1), L""},           {s.Left(99), L"abcdef"}, {s.Right(2), L"ef"},
-        {s.Right(-2), L""},          {s.Right(99), L"abcdef"}, {s.Mid(5, 2147483647), L"f"},
+        {s.Mid(-3, 2), L"ab"},
+        {s.Mid(4, 100), L"ef"}, {s.Mid(100), L""}, {s.Mid(2, -1), L""}, {s.Left(-1), L""},
+        {s.Left(99), L"abcdef"}, {s.Right(-2), L""}, {s.Right(99), L"abcdef"}, {s.Mid(5, 2147483647), L"f"},
     };
     for (const Case &c : cases)
         EXPECT_EQ(std::wstring(c.expected), W(c.actual));
@@ -198,24 +165,12 @@ TEST(CStringSubstrings, FindReportsIndexesAndMissesAtTheEdges)
         int expected;
     };
     const Case cases[] = {
-        {s.Find(L'.'), 1},       {s.Find(L'.', 2), 3},      {s.Find(L'.', 4), -1},
-        {s.Find(L'.', -5), 1},   {s.Find(L'.', 99), -1},    {s.Find(L"b.c"), 2},
-        {s.Find(L"b.c", 3), -1}, {s.Find(L"", 2), 2},       {s.Find(L"", 5), 5},
-        {s.Find(L"", 6), -1},    {s.Find(L"a.b.c.d"), -1},  {s.ReverseFind(L'.'), 3},
-        {s.ReverseFind(L'x'), -1}, {s.FindOneOf(L"cb"), 2}, {s.FindOneOf(L""), -1},
-        {CString().Find(L'a'), -1}, {CString().ReverseFind(L'a'), -1},
+        {s.Find(L'.', 2), 3},   {s.Find(L'.', -5), 1},     {s.Find(L'.', 99), -1},     {s.Find(L"b.c", 3), -1},
+        {s.Find(L"", 5), 5},    {s.Find(L"", 6), -1},      {s.Find(L"a.b.c.d"), -1},   {s.ReverseFind(L'.'), 3},
+        {s.FindOneOf(L"cb"), 2}, {CString().ReverseFind(L'a'), -1},
     };
     for (size_t i = 0; i < std::size(cases); ++i)
         EXPECT_EQ(cases[i].expected, cases[i].actual) << "case " << i;
-}
-
-TEST(CStringSubstrings, SpansStopAtTheFirstCharacterOutsideTheSet)
-{
-    const CString s(L"1234abc56");
-    EXPECT_EQ(L"1234", W(s.SpanIncluding(L"0123456789")));
-    EXPECT_EQ(L"", W(s.SpanIncluding(L"abc")));
-    EXPECT_EQ(L"1234", W(s.SpanExcluding(L"abc")));
-    EXPECT_EQ(L"1234abc56", W(s.SpanExcluding(L"xyz")));
 }
 
 TEST(CStringSubstrings, TokenizeSkipsEmptyFieldsAndEnds)
@@ -251,10 +206,7 @@ TEST(CStringEdit, ReplaceCountsNonOverlappingMatchesLeftToRight)
         {L"aaa", L"aa", L"b", L"ba", 1},
         {L"aaaa", L"aa", L"b", L"bb", 2},
         {L"aaa", L"a", L"aa", L"aaaaaa", 3}, // replacement containing the pattern is not rescanned
-        {L"abcabc", L"bc", L"", L"aa", 2},
         {L"abc", L"", L"x", L"abc", 0},
-        {L"abc", L"abcd", L"x", L"abc", 0},
-        {L"", L"a", L"b", L"", 0},
         {L"x\u00e9x", L"\u00e9", L"\U0001F3B5", L"x\U0001F3B5x", 1},
     };
     for (const Case &c : cases)
@@ -266,10 +218,8 @@ TEST(CStringEdit, ReplaceCountsNonOverlappingMatchesLeftToRight)
 
     CString s(L"a-b-c");
     EXPECT_EQ(2, s.Replace(L'-', L'+'));
-    EXPECT_EQ(L"a+b+c", W(s));
     EXPECT_EQ(2, s.Remove(L'+'));
     EXPECT_EQ(L"abc", W(s));
-    EXPECT_EQ(0, s.Remove(L'+'));
 }
 
 TEST(CStringEdit, InsertAndDeleteClampTheirPositions)
@@ -298,14 +248,10 @@ TEST(CStringEdit, TrimRemovesWhitespaceCharactersAndSets)
     const Case cases[] = {
         {CString(L" \t\r\n Hi there \v\f").Trim(), L"Hi there"},
         {CString(L"\u3000\u00a0wide\u2003").Trim(), L"wide"},
-        {CString(L"  left  ").TrimLeft(), L"left  "},
-        {CString(L"  right  ").TrimRight(), L"  right"},
         {CString(L"   ").Trim(), L""},
         {CString(L"xxhixyx").Trim(L"xy"), L"hi"},
-        {CString(L"xxhixyx").TrimLeft(L"xy"), L"hixyx"},
         {CString(L"xxhixyx").TrimRight(L"xy"), L"xxhi"},
         {CString(L"--a-b--").Trim(L'-'), L"a-b"},
-        {CString(L"----").Trim(L'-'), L""},
         {CString(L" keep ").Trim(L""), L" keep "},
     };
     for (const Case &c : cases)
@@ -337,10 +283,8 @@ TEST(CStringCompare, NoCaseComparisonIgnoresCaseBeyondAscii)
         {L"\u00c4pfel", L"\u00e4PFEL", 0},
         {L"\u03a3\u039f\u03a6\u0399\u0391", L"\u03c3\u03bf\u03c6\u03b9\u03b1", 0},
         {L"\u0424\u041b\u0415\u0419\u0422\u0410", L"\u0444\u043b\u0435\u0439\u0442\u0430", 0},
-        {L"apple", L"Banana", -1},
         {L"Zither", L"alto", 1},
         {L"abc", L"ABCD", -1},
-        {L"", L"", 0},
         {L"stra\u00dfe", L"STRASSE", 1},
     };
     for (const Case &c : cases)
@@ -353,22 +297,12 @@ TEST(CStringCompare, NoCaseComparisonIgnoresCaseBeyondAscii)
 
 TEST(CStringCompare, OperatorsOrderOrdinallyWithPointersOnEitherSide)
 {
-    const CString a(L"alto"), b(L"bass");
-    EXPECT_TRUE(a == L"alto");
+    const CString a(L"alto");
     EXPECT_TRUE(L"alto" == a);
-    EXPECT_TRUE(a != L"Alto");
-    EXPECT_TRUE(a < b);
     EXPECT_TRUE(L"alt" < a);
-    EXPECT_TRUE(b >= L"bass");
-    EXPECT_TRUE(a <= b);
-    EXPECT_TRUE(b > a);
     EXPECT_TRUE(a == CString("alto")) << "narrow literals convert";
-    // Bytes at or above 0x80 sort after ASCII in a narrow string.
-    EXPECT_LT(CStringA("z").Compare("\xc3\xa9"), 0);
+    EXPECT_LT(CStringA("z").Compare("\xc3\xa9"), 0) << "bytes from 0x80 sort after ASCII";
     EXPECT_NE(CString(L"a\0b", 3), CString(L"a\0c", 3)) << "text after an embedded NUL counts";
-
-    std::map<CString, int> ordered{{L"b", 2}, {L"a", 1}, {L"c", 3}};
-    EXPECT_EQ(L"a", W(ordered.begin()->first));
 }
 
 TEST(CStringCompare, EqualStringsFromEitherWidthFindTheSameMapKey)
@@ -387,19 +321,14 @@ TEST(CStringCompare, EqualStringsFromEitherWidthFindTheSameMapKey)
 TEST(CStringAccess, IndexOutsideTheStringThrows)
 {
     CString s(L"abc");
-    EXPECT_EQ(L'c', s[2]);
     EXPECT_EQ(L'\0', s.GetAt(3)) << "the terminator may be read";
-    EXPECT_EQ(L'b', s[size_t(1)]);
     EXPECT_THROW((void)s[4], CInvalidArgException);
     EXPECT_THROW((void)s[-1], CInvalidArgException);
     EXPECT_THROW(s.GetAt(-1), CInvalidArgException);
     EXPECT_THROW(s.SetAt(3, L'x'), CInvalidArgException);
-    s.SetAt(0, L'X');
-    EXPECT_EQ(L"Xbc", W(s));
     EXPECT_THROW(CString(L"abc", -1), CInvalidArgException);
     EXPECT_THROW(CString(static_cast<const wchar_t *>(nullptr), 2), CInvalidArgException);
     EXPECT_TRUE(CString(static_cast<const wchar_t *>(nullptr)).IsEmpty());
-    EXPECT_EQ(L"---", W(CString(L'-', 3)));
     EXPECT_TRUE(CString(L'-', -3).IsEmpty());
 }
 
@@ -423,24 +352,6 @@ TEST(CStringAccess, ReleaseBufferTakesTheWrittenLength)
     s.ReleaseBuffer(99);
     EXPECT_EQ(L"abc", W(s)) << "a length past the buffer is clamped";
 
-    CStringA a;
-    std::snprintf(a.GetBuffer(32), 32, "%d", 1234);
-    a.ReleaseBuffer();
-    EXPECT_EQ(4, a.GetLength());
-}
-
-TEST(CStringAccess, ConcatenationTakesStringsPointersAndCharacters)
-{
-    const CString a(L"ab");
-    EXPECT_EQ(L"ab-c!", W(a + L"-" + CString(L"c") + L'!'));
-    EXPECT_EQ(L">ab", W(L">" + a));
-    EXPECT_EQ(L"<ab", W(L'<' + a));
-    CString s;
-    s += a;
-    s += L"\u00e9";
-    s += L'x';
-    s += "\xc3\xbc";
-    EXPECT_EQ(L"ab\u00e9x\u00fc", W(s));
 }
 
 // ---- UTF-8 ---------------------------------------------------------------------------------
@@ -458,7 +369,6 @@ TEST(CStringUtf8, RoundTripKeepsEveryPlane)
         EXPECT_EQ(utf8, std::string(CStringA(wide).GetString()));
     }
     EXPECT_EQ("\xf0\x9f\x8e\xb5", CString(L"\U0001F3B5").ToUtf8());
-    EXPECT_EQ("\xe2\x82\xac", CString(L"\u20ac").ToUtf8());
 }
 
 TEST(CStringUtf8, InvalidBytesBecomeOneReplacementEach)
@@ -472,12 +382,10 @@ TEST(CStringUtf8, InvalidBytesBecomeOneReplacementEach)
         {"a\x80z", L"a\uFFFDz"},                               // stray continuation
         {"\xe2\x82z", L"\uFFFDz"},                             // truncated, then ASCII
         {"\xe2\x82", L"\uFFFD"},                               // truncated at the end
-        {"\xf0\x9f\x8e", L"\uFFFD"},                           // truncated four-byte
         {"\xc0\xaf", L"\uFFFD\uFFFD"},                         // overlong '/'
         {"\xe0\x80\xaf", L"\uFFFD\uFFFD\uFFFD"},               // overlong three-byte
         {"\xed\xa0\x80", L"\uFFFD\uFFFD\uFFFD"},               // encoded surrogate
         {"\xf4\x90\x80\x80", L"\uFFFD\uFFFD\uFFFD\uFFFD"},     // past U+10FFFF
-        {"\xf5\xff\xfe", L"\uFFFD\uFFFD\uFFFD"},               // never valid
         {"\xc3\xa9\xc3", L"\u00e9\uFFFD"},                     // good then cut
         {std::string("a\0b", 3), std::wstring(L"a\0b", 3)},    // embedded NUL kept
     };
@@ -501,7 +409,6 @@ TEST(CStringUtf8, UnencodableWideCharactersBecomeReplacement)
 TEST(CStringUtf8, NullAndLengthArgumentsAreSafe)
 {
     EXPECT_TRUE(CString::FromUtf8(static_cast<const char *>(nullptr)).IsEmpty());
-    EXPECT_EQ(L"\u00e9\U0001F3B5", W(CString::FromUtf8(u8"\u00e9\U0001F3B5")));
     EXPECT_TRUE(CString(static_cast<const char *>(nullptr)).IsEmpty());
     EXPECT_TRUE(CStringA(static_cast<const wchar_t *>(nullptr)).IsEmpty());
     EXPECT_EQ(L"ab", W(CString::FromUtf8("abcdef", 2)));
