@@ -1,27 +1,319 @@
-// The scoremodel command-line tool.
-#include <scoremodel/scoremodel.h>
+// The scoremodel command-line tool: builds, saves, checks and shows
+// documents.
+//
+//   scoremodel demo [FILE]   builds a small document through commands, saves
+//                            it (to FILE, or to a temporary file that is
+//                            removed afterwards), loads it back and checks
+//                            that the two trees are equal
+//   scoremodel dump FILE     the event tree of a saved document
+//   scoremodel info FILE     a summary of a saved document
+//
+// Errors go to stderr; the exit code is 0 on success, 1 when the work failed
+// and 2 for a wrong command line.
+#include <scoremodel/commands/CCAddTrack.h>
+#include <scoremodel/commands/CCRemoveTrack.h>
+#include <scoremodel/commands/MCCommandMgr.h>
+#include <scoremodel/core/MCTime.h>
+#include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECConductorStaff.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+#include <scoremodel/events/structure/ECStaff.h>
+#include <scoremodel/platform/Exceptions.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <map>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_map>
+#include <unordered_set>
 
-static int Usage(FILE *out)
+namespace
+{
+// A document held by the tool; the tree and the performance hold each other,
+// so the tree is taken down first.
+class Document
+{
+public:
+    explicit Document(ECPerformance *performance) : m_p(performance) {}
+    ~Document()
+    {
+        m_p->RemoveChildren(1);
+        m_p->Unref(1);
+        MCCommandMgr::OnIdle(); // the undo steps the document left
+    }
+    Document(const Document &) = delete;
+    Document &operator=(const Document &) = delete;
+    ECPerformance *operator->() const { return m_p; }
+    ECPerformance *get() const { return m_p; }
+
+private:
+    ECPerformance *m_p;
+};
+
+std::string TimeText(const MCTime *time)
+{
+    char text[64];
+    switch (time->GetMode())
+    {
+    case MCTime::TimeModeBarPulseTick:
+        if (const BPTTime *bpt = time->GetBarPulseTick())
+        {
+            std::snprintf(text, sizeof text, "%d:%d:%d", bpt->bar, bpt->pulse, bpt->tick);
+            return text;
+        }
+        return "?";
+    case MCTime::TimeModeClock: std::snprintf(text, sizeof text, "%gs", time->GetSeconds()); return text;
+    default:
+        if (*time == MCTime::TimeNull())
+            return "none";
+        std::snprintf(text, sizeof text, "%g", static_cast<double>(time->GetSeconds()));
+        return text;
+    }
+}
+
+// One line for an event: class, id, time, voice and track.
+std::string EventLine(ECBase *event)
+{
+    std::string line = event->GetRuntimeClass()->m_lpszClassName;
+    line += " id=" + std::to_string(event->GetEventId());
+    if (MCTime *time = event->GetTime())
+        line += " time=" + TimeText(time);
+    if (event->GetVoiceTrack())
+        line += " voice=" + std::to_string(event->GetVoice()) + " track=" + std::to_string(event->GetTrack());
+    return line;
+}
+
+// Visits the tree depth first, children in order; an event met again
+// through another parent is visited but not entered.
+void Walk(ECBase *root, const std::function<void(ECBase *, int depth, bool again)> &visit)
+{
+    std::unordered_set<ECBase *> seen;
+    std::function<void(ECBase *, int)> enter = [&](ECBase *event, int depth) {
+        const bool again = !seen.insert(event).second;
+        visit(event, depth, again);
+        if (again || !event->GetChildren())
+            return;
+        for (POSITION pos = event->GetChildren()->GetHeadPosition(); pos;)
+            if (ECBase *child = event->GetChildren()->GetNext(pos))
+                enter(child, depth + 1);
+    };
+    enter(root, 0);
+}
+
+// The first difference between two trees (class, flags, time, voice and
+// track, children in order, sharing), or "" when they are equal.
+std::string Difference(ECBase *a, ECBase *b, std::unordered_map<ECBase *, ECBase *> &pairs)
+{
+    if (auto it = pairs.find(a); it != pairs.end())
+        return it->second == b ? "" : EventLine(a) + ": shared differently";
+    pairs[a] = b;
+    if (std::strcmp(a->GetRuntimeClass()->m_lpszClassName, b->GetRuntimeClass()->m_lpszClassName) != 0 ||
+        (a->GetFlags() & ~ECBase::FlagSelection) != b->GetFlags())
+        return EventLine(a) + " became " + EventLine(b);
+    if (a->GetTime() && !(*a->GetTime() == *b->GetTime() &&
+                          a->GetVoiceTrack()->GetValue() == b->GetVoiceTrack()->GetValue()))
+        return EventLine(a) + " became " + EventLine(b);
+    const int countA = a->GetChildren() ? a->GetChildren()->GetCount() : 0;
+    const int countB = b->GetChildren() ? b->GetChildren()->GetCount() : 0;
+    if (countA != countB)
+        return EventLine(a) + ": " + std::to_string(countA) + " children became " + std::to_string(countB);
+    if (!countA)
+        return "";
+    POSITION pb = b->GetChildren()->GetHeadPosition();
+    for (POSITION pa = a->GetChildren()->GetHeadPosition(); pa;)
+    {
+        std::string d = Difference(a->GetChildren()->GetNext(pa), b->GetChildren()->GetNext(pb), pairs);
+        if (!d.empty())
+            return d;
+    }
+    return "";
+}
+
+struct Summary
+{
+    int events = 0;
+    int shared = 0;
+    int depth = 0;
+    std::map<std::string, int> classes;
+};
+
+Summary Summarize(ECPerformance *doc)
+{
+    Summary s;
+    Walk(doc, [&s](ECBase *event, int depth, bool again) {
+        if (again)
+        {
+            ++s.shared;
+            return;
+        }
+        ++s.events;
+        ++s.classes[event->GetRuntimeClass()->m_lpszClassName];
+        s.depth = std::max(s.depth, depth);
+    });
+    return s;
+}
+
+void PrintSummary(ECPerformance *doc)
+{
+    const Summary s = Summarize(doc);
+    std::printf("  events: %d in %d levels, %d reached twice\n", s.events, s.depth + 1, s.shared);
+    for (const auto &[name, count] : s.classes)
+        std::printf("    %-22s %d\n", name.c_str(), count);
+    if (ECConductor *conductor = doc->GetConductor())
+        if (ECConductorStaff *staff = conductor->GetConductorStaff())
+            std::printf("  staves: %d\n", staff->GetMaxStaffNumber());
+}
+
+// Applies one command synchronously inside its own undo step.
+bool Edit(ECPerformance *doc, const wchar_t *name, CCBase *command)
+{
+    CString text(name);
+    MCCommandMgr::BeginUndo(doc, text);
+    command->SetSynchronous(1);
+    const int applied = command->Apply(doc);
+    MCCommandMgr::EndUndo(doc);
+    return applied != 0;
+}
+
+int Demo(const char *path)
+{
+    std::string file;
+    if (path)
+        file = path;
+    else
+    {
+        const char *tmp = std::getenv("TMPDIR");
+        file = std::string(tmp && *tmp ? tmp : "/tmp") + "/scoremodel-demo-" + std::to_string(::getpid()) + ".smd";
+    }
+
+    Document doc(new ECPerformance);
+    doc->Ref();
+    doc->AddChild(new ECConductor, 0);
+    ECConductor *conductor = doc->GetConductor();
+    if (!conductor || !conductor->GetConductorStaff())
+    {
+        std::fprintf(stderr, "scoremodel: the conductor staff was not made\n");
+        return 1;
+    }
+
+    // Three staves, one step each; then the second goes, comes back by undo,
+    // goes again by redo and comes back once more.
+    ECStaff *staves[3] = {};
+    for (ECStaff *&staff : staves)
+    {
+        staff = new ECStaff;
+        if (!Edit(doc.get(), L"Add staff", new CCAddTrack(staff, -1)))
+        {
+            std::fprintf(stderr, "scoremodel: a staff could not be added\n");
+            return 1;
+        }
+    }
+    ECConductorStaff *conductorStaff = conductor->GetConductorStaff();
+    const int before = conductorStaff->GetMaxStaffNumber();
+    Edit(doc.get(), L"Remove staff", new CCRemoveTrack(staves[1]));
+    const int removed = conductorStaff->GetMaxStaffNumber();
+    doc->Undo(1);
+    const int undone = conductorStaff->GetMaxStaffNumber();
+    doc->Redo(1);
+    const int redone = conductorStaff->GetMaxStaffNumber();
+    doc->Undo(1);
+    const int after = conductorStaff->GetMaxStaffNumber();
+    std::printf("staves: %d added; removing one leaves %d, undo %d, redo %d, undo %d\n", before, removed, undone,
+                redone, after);
+    if (removed != before - 1 || undone != before || redone != removed || after != before ||
+        conductorStaff->GetStaffNumber(staves[1]) != 2)
+    {
+        std::fprintf(stderr, "scoremodel: undo and redo did not bring the staff back in its place\n");
+        return 1;
+    }
+
+    MCDocumentFile::Save(doc.get(), file.c_str());
+    struct stat st;
+    const long long size = ::stat(file.c_str(), &st) == 0 ? static_cast<long long>(st.st_size) : -1;
+    std::printf("saved %s (%lld bytes)\n", file.c_str(), size);
+
+    int version = 0;
+    CFile in(file.c_str(), CFile::modeRead);
+    Document loaded(MCDocumentFile::Read(in, &version));
+    in.Close();
+    if (!path)
+        std::remove(file.c_str());
+    std::unordered_map<ECBase *, ECBase *> pairs;
+    const std::string difference = Difference(doc.get(), loaded.get(), pairs);
+    if (!difference.empty())
+    {
+        std::fprintf(stderr, "scoremodel: the loaded document differs: %s\n", difference.c_str());
+        return 1;
+    }
+    std::printf("loaded version %d: the same tree\n", version);
+    PrintSummary(loaded.get());
+    return 0;
+}
+
+int Dump(const char *path)
+{
+    Document doc(MCDocumentFile::Load(path));
+    Walk(doc.get(), [](ECBase *event, int depth, bool again) {
+        std::printf("%*s%s%s\n", depth * 2, "", EventLine(event).c_str(), again ? " (again)" : "");
+    });
+    return 0;
+}
+
+int Info(const char *path)
+{
+    CFile file(path, CFile::modeRead);
+    const ULONGLONG size = file.GetLength();
+    int version = 0;
+    Document doc(MCDocumentFile::Read(file, &version));
+    std::printf("%s: document version %d, %llu bytes\n", path, version, static_cast<unsigned long long>(size));
+    PrintSummary(doc.get());
+    return 0;
+}
+
+int Usage(FILE *out)
 {
     std::fprintf(out, "usage: scoremodel --version\n"
-                      "       scoremodel demo\n");
+                      "       scoremodel demo [FILE]   build, save, load and check a small document\n"
+                      "       scoremodel dump FILE     print the event tree of a document\n"
+                      "       scoremodel info FILE     print a summary of a document\n");
     return out == stdout ? 0 : 2;
 }
+} // namespace
 
 int main(int argc, char **argv)
 {
     if (argc < 2)
         return Usage(stderr);
-    if (!std::strcmp(argv[1], "--version"))
+    const std::string command = argv[1];
+    if (command == "--version")
     {
         std::printf("scoremodel %s\n", SCOREMODEL_VERSION);
         return 0;
     }
-    if (!std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h"))
+    if (command == "--help" || command == "-h")
         return Usage(stdout);
-    std::fprintf(stderr, "scoremodel: unknown command '%s'\n", argv[1]);
+    try
+    {
+        if (command == "demo" && argc <= 3)
+            return Demo(argc == 3 ? argv[2] : nullptr);
+        if (command == "dump" && argc == 3)
+            return Dump(argv[2]);
+        if (command == "info" && argc == 3)
+            return Info(argv[2]);
+    }
+    catch (const std::exception &e)
+    {
+        std::fprintf(stderr, "scoremodel: %s\n", e.what());
+        return 1;
+    }
+    if (command == "demo" || command == "dump" || command == "info")
+        std::fprintf(stderr, "scoremodel: wrong arguments for '%s'\n", command.c_str());
+    else
+        std::fprintf(stderr, "scoremodel: unknown command '%s'\n", command.c_str());
     return Usage(stderr);
 }

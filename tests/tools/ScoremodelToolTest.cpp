@@ -1,0 +1,101 @@
+// The command-line tool run end to end: a demo document saved, then dumped
+// and summarized from its file; broken files and wrong command lines.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+struct ToolRun
+{
+    int code;
+    std::string out;
+    std::string err;
+};
+
+std::string Slurp(const fs::path &path)
+{
+    std::ifstream in(path);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+class ScoremodelToolTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+#ifndef SCOREMODEL_TOOL
+        GTEST_SKIP() << "the tool is not built";
+#endif
+        m_dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "tool-test";
+        fs::remove_all(m_dir);
+        fs::create_directories(m_dir);
+    }
+    void TearDown() override { fs::remove_all(m_dir); }
+
+    ToolRun Tool(const std::string &arguments)
+    {
+#ifdef SCOREMODEL_TOOL
+        const std::string command = std::string("'") + SCOREMODEL_TOOL + "' " + arguments + " >'" +
+                                    (m_dir / "out").string() + "' 2>'" + (m_dir / "err").string() + "'";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Slurp(m_dir / "out"), Slurp(m_dir / "err")};
+#else
+        return {-1, arguments, ""};
+#endif
+    }
+
+    fs::path m_dir;
+};
+} // namespace
+
+TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
+{
+    const std::string file = (m_dir / "demo.smd").string();
+    ToolRun demo = Tool("demo '" + file + "'");
+    ASSERT_EQ(demo.code, 0) << demo.err;
+    EXPECT_NE(demo.out.find("undo 3, redo 2, undo 3"), std::string::npos) << demo.out;
+    EXPECT_NE(demo.out.find("the same tree"), std::string::npos) << demo.out;
+
+    ToolRun dump = Tool("dump '" + file + "'");
+    ASSERT_EQ(dump.code, 0) << dump.err;
+    EXPECT_EQ(dump.out.rfind("ECPerformance id=44", 0), 0u) << dump.out;
+    EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0\n"), std::string::npos);
+    EXPECT_NE(dump.out.find("\n    ECStaff id=55 time=0 voice=14 track=3\n"), std::string::npos) << dump.out;
+
+    ToolRun info = Tool("info '" + file + "'");
+    ASSERT_EQ(info.code, 0) << info.err;
+    EXPECT_NE(info.out.find("document version 20"), std::string::npos) << info.out;
+    EXPECT_NE(info.out.find("staves: 3"), std::string::npos) << info.out;
+
+    // Cut short, the same file is refused with the reason and nothing on stdout.
+    fs::resize_file(file, fs::file_size(file) / 2);
+    ToolRun cut = Tool("dump '" + file + "'");
+    EXPECT_EQ(cut.code, 1);
+    EXPECT_TRUE(cut.out.empty()) << cut.out;
+    EXPECT_NE(cut.err.find("truncated"), std::string::npos) << cut.err;
+}
+
+TEST_F(ScoremodelToolTest, WrongCommandLinesAndMissingFilesFail)
+{
+    const struct
+    {
+        const char *arguments;
+        int code;
+    } cases[] = {{"", 2}, {"frobnicate", 2}, {"dump", 2}, {"info a b", 2}, {"info /no/such/file", 1}};
+    for (const auto &c : cases)
+    {
+        ToolRun run = Tool(c.arguments);
+        EXPECT_EQ(run.code, c.code) << c.arguments;
+        EXPECT_FALSE(run.err.empty()) << c.arguments;
+    }
+    EXPECT_EQ(Tool("--help").code, 0);
+}
