@@ -113,15 +113,19 @@ int MCCommandMgr::ApplyCommands(MCCommandList *list, ECPerformance *perf)
         return 0;
     perf->Ref();
     auto *batch = new CommandList;
+    // The list is synchronous when every command is (MCCommandList::
+    // IsSynchronous), found on the way instead of by another walk.
+    bool synchronous = true;
     for (POSITION pos = list->GetHeadPosition(); pos;)
     {
         auto *cmd = static_cast<CCBase *>(list->GetNext(pos));
         if (!cmd)
             continue;
+        synchronous = synchronous && cmd->IsSynchronous();
         InitCommand(cmd, perf);
         batch->AddTail(cmd);
     }
-    if (list->IsSynchronous())
+    if (synchronous)
         SendMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch));
     else
         PostMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch));
@@ -136,7 +140,7 @@ int MCCommandMgr::OnCommandMsg(unsigned int wParam, long lParam)
         MCCommandMgr *mgr = cmd ? ManagerOf(cmd->GetTarget()) : nullptr;
         if (!mgr)
             return 0;
-        if (!cmd->IsSynchronous() && mgr->m_pTimer)
+        if (mgr->m_pTimer && !cmd->IsSynchronous())
             mgr->m_pTimer->AddCommand(cmd);
         else
         {
@@ -152,7 +156,7 @@ int MCCommandMgr::OnCommandMsg(unsigned int wParam, long lParam)
             return 0;
         if (MCCommandMgr *mgr = ManagerOf(list->GetTarget()))
         {
-            if (!list->IsSynchronous() && mgr->m_pTimer)
+            if (mgr->m_pTimer && !list->IsSynchronous())
                 mgr->m_pTimer->AddCommands(list);
             else
                 mgr->OnCommand(*list);
@@ -173,16 +177,19 @@ int MCCommandMgr::OnCommand(CommandList &list)
     // Whatever happens inside, the commands get back the references of
     // InitCommand and of the list, the lock is left and the document gets
     // back the reference of its Apply. The document may die at the very end.
+    // One walk gives back both references of each command: a long batch is
+    // bound by the memory its walks touch.
     struct BatchEnd
     {
         CommandList &list;
         ECPerformance *target;
         ~BatchEnd()
         {
-            for (POSITION pos = list.GetHeadPosition(); pos;)
-                if (CCBase *cmd = list.GetNext(pos))
+            // The reference of InitCommand keeps each command alive
+            // through the removal of its node.
+            while (!list.IsEmpty())
+                if (CCBase *cmd = list.RemoveHead())
                     cmd->Unref(1);
-            list.RemoveAll();
             if (target)
             {
                 target->Unlock();

@@ -1,0 +1,115 @@
+// The command base: its discard list, its reference count, and the command
+// list that finds or makes commands by id.
+#include "CommandTestSupport.h"
+
+namespace
+{
+struct DiscardTree
+{
+    ECPerformance *doc = new ECPerformance;
+    ECBase *a = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
+    ECBase *b = CreateEventW(EVENT_ID_WITH_TIME);
+    ECBase *c = CreateEventW(EVENT_ID_WITH_TIME);
+    ECBase *leaf = CreateEventW(EVENT_ID_WITH_TIME);
+
+    DiscardTree()
+    {
+        doc->Ref();
+        for (ECBase *e : {a, b, c})
+            doc->AddChild(e, 0);
+        a->AddChild(leaf, 0);
+    }
+    ~DiscardTree()
+    {
+        doc->RemoveChildren(1);
+        doc->Unref(1);
+    }
+};
+
+std::vector<ECBase *> Listed(CCBase::EventList *list)
+{
+    std::vector<ECBase *> out;
+    for (POSITION pos = list ? list->GetHeadPosition() : nullptr; pos;)
+        out.push_back(list->GetNext(pos));
+    return out;
+}
+} // namespace
+
+TEST(CCBaseDiscard, ListStopsForGoodAtTheFirstEventAlreadyDiscarded)
+{
+    DiscardTree t;
+    auto *cmd = new TestCommand(nullptr, "x");
+    cmd->Ref();
+    cmd->Discard(static_cast<ECBase *>(nullptr));
+    EXPECT_EQ(cmd->GetDiscardList(), nullptr);
+    cmd->Discard(t.b);
+    cmd->Discard(t.b);
+    CCBase::EventList more;
+    for (ECBase *e : {t.a, t.b, t.c})
+        more.AddTail(e);
+    cmd->Discard(&more);
+    EXPECT_EQ(Listed(cmd->GetDiscardList()), (std::vector<ECBase *>{t.b, t.a})) << "c stays off the list";
+    more.RemoveAll();
+    cmd->DiscardMirrors(t.c); // holds no mirrors
+    EXPECT_EQ(cmd->GetDiscardList()->GetCount(), 2);
+    cmd->Unref(1);
+}
+
+TEST(CCBaseDiscard, ProcessDetachesParentsAndChildrenAndDropsTheList)
+{
+    DiscardTree t;
+    t.a->Ref(); // held, as a command holds what it takes out
+    auto *cmd = new TestCommand(nullptr, "x");
+    cmd->Ref();
+    cmd->Discard(t.a);
+    cmd->ProcessDiscardList();
+    EXPECT_EQ(cmd->GetDiscardList(), nullptr);
+    EXPECT_TRUE(t.a->GetParents()->IsEmpty());
+    EXPECT_TRUE(t.a->GetChildren()->IsEmpty());
+    EXPECT_EQ(t.doc->GetChildren()->Find(t.a), nullptr);
+    EXPECT_EQ(t.a->GetRefCount(), 1);
+    t.a->Unref(1);
+    cmd->Unref(1);
+}
+
+TEST(CCBaseRefCount, UnrefNeverGoesBelowZeroAndDeletesOnlyWhenAsked)
+{
+    std::vector<std::string> log;
+    const int live = TestCommand::s_live;
+    auto *cmd = new TestCommand(&log, "x");
+    EXPECT_EQ(cmd->Unref(0), 0);
+    EXPECT_EQ(cmd->Ref(), 1);
+    EXPECT_EQ(cmd->Ref(), 2);
+    EXPECT_EQ(cmd->Unref(1), 1);
+    EXPECT_EQ(cmd->Unref(1), 0);
+    EXPECT_EQ(TestCommand::s_live, live);
+}
+
+TEST(MCCommandListTest, GetCommandFindsByIdOrMakesOneOfTheClass)
+{
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    EXPECT_EQ(list.GetTarget(), nullptr);
+    EXPECT_EQ(list.GetCommand(COMMAND_ID_BASE, nullptr), nullptr);
+    CCBase *made = list.GetCommand(COMMAND_ID_BASE, RUNTIME_CLASS(CCBase));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->GetRefCount(), 1) << "the list holds what it made";
+    EXPECT_EQ(list.GetCommand(COMMAND_ID_BASE, RUNTIME_CLASS(CCBase)), made);
+    EXPECT_EQ(list.GetCount(), 1);
+    EXPECT_EQ(list.GetCommand(COMMAND_ID_ADD_TRACK, RUNTIME_CLASS(ECPerformance)), nullptr);
+}
+
+using ApplyCommands = CommandTest;
+
+TEST_F(ApplyCommands, CallersListIsLeftAsItWas)
+{
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    list.AddTail(Make("a"));
+    list.AddTail(Make("b", -1, 0)); // one posted command makes the whole list posted
+    EXPECT_EQ(list.Apply(m_doc), 1);
+    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(list.GetCount(), 2);
+    MCMessageLoop::ProcessPending();
+    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Pb", "Ra", "Rb", "Fa", "Fb"}));
+    EXPECT_EQ(list.GetTarget(), m_doc);
+    EXPECT_EQ(m_held[0]->GetRefCount(), 2) << "the fixture and the caller's list";
+}

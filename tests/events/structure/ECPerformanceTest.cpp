@@ -1,0 +1,84 @@
+// The document root: the active document and its version, the conductor
+// cache and the archive record.
+#include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+#include <scoremodel/platform/CArchive.h>
+#include <scoremodel/platform/CFile.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+ECPerformance *NewDocument()
+{
+    auto *doc = new ECPerformance;
+    doc->Ref();
+    return doc;
+}
+
+void Drop(ECPerformance *doc)
+{
+    doc->RemoveChildren(1);
+    doc->Unref(1);
+}
+} // namespace
+
+TEST(ECPerformanceActive, LoadersReadTheActiveDocumentsVersion)
+{
+    ECPerformance *before = ECPerformance::SetActivePerformance(nullptr);
+    EXPECT_EQ(ECPerformance::GetActiveVersion(), 0x7FFFFFFF);
+    EXPECT_EQ(ActiveArchiveVersion(), 0x7FFFFFFF);
+
+    ECPerformance *a = NewDocument();
+    ECPerformance *b = NewDocument();
+    EXPECT_EQ(a->GetVersion(), 0);
+    a->SetVersion(18);
+    b->SetVersion(19);
+    EXPECT_EQ(ECPerformance::SetActivePerformance(a), nullptr);
+    EXPECT_EQ(ActiveArchiveVersion(), 18);
+    EXPECT_EQ(ECPerformance::SetActivePerformance(b), a);
+    EXPECT_EQ(ECPerformance::GetActivePerformance(), b);
+    EXPECT_EQ(ActiveArchiveVersion(), 19);
+    Drop(b); // a document that goes stops being the active one
+    EXPECT_EQ(ECPerformance::GetActivePerformance(), nullptr);
+    EXPECT_EQ(ActiveArchiveVersion(), 0x7FFFFFFF);
+    Drop(a);
+    ECPerformance::SetActivePerformance(before);
+}
+
+TEST(ECPerformanceConductor, FoundOnceAndKeptFromThenOn)
+{
+    ECPerformance *doc = NewDocument();
+    EXPECT_EQ(doc->GetConductor(), nullptr);
+    auto *conductor = new ECConductor;
+    doc->AddChild(conductor, 0);
+    EXPECT_EQ(doc->GetConductor(), conductor);
+    EXPECT_EQ(doc->GetEventId(), EVENT_ID_PERFORMANCE);
+    CArray<int, int> parents;
+    EXPECT_EQ(doc->GetParentTypes(parents), 0);
+    Drop(doc);
+}
+
+TEST(ECPerformanceArchive, LoadFillsTheConductorCache)
+{
+    ECPerformance *doc = NewDocument();
+    doc->AddChild(new ECConductor, 0);
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        doc->Serialize(ar);
+        ar.Close();
+    }
+    mem.SeekToBegin();
+    ECPerformance *loaded = NewDocument();
+    {
+        CArchive ar(&mem, CArchive::load);
+        loaded->Serialize(ar);
+    }
+    ASSERT_NE(loaded->GetConductor(), nullptr);
+    EXPECT_EQ(loaded->GetChildren()->GetCount(), 1);
+    EXPECT_EQ(loaded->GetChildren()->GetHead(), loaded->GetConductor());
+    Drop(loaded);
+    Drop(doc);
+}
