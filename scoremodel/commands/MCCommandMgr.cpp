@@ -562,24 +562,21 @@ int MCCommandMgr::ClearUndo()
 int MCCommandMgr::GetUndoString(CString &out, int index)
 {
     out.Empty();
-    if (index == -1)
-        index = m_nUndoIndex;
     if (m_nUndoIndex < 0)
         return 0;
-    MCUndoItem *item = m_undoList.GetAt(m_undoList.FindIndex(index));
-    if (!item)
-        return 0;
-    out = item->GetName();
-    return 1;
+    return GetStepName(out, index == -1 ? m_nUndoIndex : index);
 }
 
 int MCCommandMgr::GetRedoString(CString &out, int index)
 {
     out.Empty();
-    if (index == -1)
-        index = m_nUndoIndex - 1;
     if (m_nUndoIndex < 1)
         return 0;
+    return GetStepName(out, index == -1 ? m_nUndoIndex - 1 : index);
+}
+
+int MCCommandMgr::GetStepName(CString &out, int index) const
+{
     MCUndoItem *item = m_undoList.GetAt(m_undoList.FindIndex(index));
     if (!item)
         return 0;

@@ -212,6 +212,8 @@ private:
     // Calls every handler with the phase; 1, 0 or -1 as the worst answer
     // (any other value counts as 1). Stops at the first -1 when asked.
     int CallHandlers(int phase, CommandList &list);
+    // The name of the step at `index` into `out`: 1, or 0 when there is none.
+    int GetStepName(CString &out, int index) const;
     // Moves `item` to the trash. REQUIRES: s_trashCS held.
     static void Trash(MCUndoItem *item);
 
