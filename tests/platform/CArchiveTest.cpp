@@ -4,8 +4,8 @@
 
 #include <fcntl.h>
 #include <functional>
-#include <memory>
 #include <string>
+#include <typeinfo>
 #include <unistd.h>
 #include <vector>
 
@@ -215,89 +215,39 @@ static_assert(!Storable<wchar_t>);
 
 // ---- Scalars ----------------------------------------------------------------------
 
-TEST(CArchiveScalars, EachTypeIsWrittenLittleEndianAtItsFixedWidth)
+namespace
 {
-    struct Case
-    {
-        const char *type;
-        std::function<void(CArchive &)> write;
-        Bytes expected;
-    };
-    const std::vector<Case> cases = {
-        {"BYTE", [](CArchive &ar) { ar << BYTE(0xAB); }, {0xAB}},
-        {"char", [](CArchive &ar) { ar << 'A'; }, {0x41}},
-        {"signed char", [](CArchive &ar) { ar << static_cast<signed char>(-2); }, {0xFE}},
-        {"bool", [](CArchive &ar) { ar << true << false; }, {0x01, 0x00}},
-        {"WORD", [](CArchive &ar) { ar << WORD(0x1234); }, {0x34, 0x12}},
-        {"short", [](CArchive &ar) { ar << short(-2); }, {0xFE, 0xFF}},
-        {"DWORD", [](CArchive &ar) { ar << DWORD(0x12345678); }, {0x78, 0x56, 0x34, 0x12}},
-        {"UINT", [](CArchive &ar) { ar << 7u; }, {0x07, 0, 0, 0}},
-        {"LONG", [](CArchive &ar) { ar << LONG(-2); }, {0xFE, 0xFF, 0xFF, 0xFF}},
-        {"int", [](CArchive &ar) { ar << 0x01020304; }, {0x04, 0x03, 0x02, 0x01}},
-        {"long", [](CArchive &ar) { ar << -2L; }, {0xFE, 0xFF, 0xFF, 0xFF}},
-        {"unsigned long", [](CArchive &ar) { ar << 0x89ABCDEFUL; }, {0xEF, 0xCD, 0xAB, 0x89}},
-        {"long long", [](CArchive &ar) { ar << -2LL; }, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
-        {"unsigned long long",
-         [](CArchive &ar) { ar << 0x0102030405060708ULL; },
-         {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01}},
-        {"float", [](CArchive &ar) { ar << 1.0f; }, {0x00, 0x00, 0x80, 0x3F}},
-        {"double", [](CArchive &ar) { ar << -2.0; }, {0, 0, 0, 0, 0, 0, 0x00, 0xC0}},
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(Store(c.write), c.expected) << c.type;
-}
-
-TEST(CArchiveScalars, EveryTypeReadsBackWhatWasWritten)
+template <class T>
+void ExpectScalar(T value, const Bytes &bytes)
 {
-    const Bytes bytes = Store([](CArchive &ar) {
-        ar << BYTE(200) << 'z' << static_cast<signed char>(-100) << true << WORD(65000) << short(-30000)
-           << DWORD(4000000000u) << LONG(-2000000000) << 0xDEADBEEFUL << -123456L << -5LL << 0xFFFFFFFFFFULL << 3.5f
-           << 1e300;
-    });
-    EXPECT_EQ(bytes.size(), 1u + 1 + 1 + 1 + 2 + 2 + 4 + 4 + 4 + 4 + 8 + 8 + 4 + 8);
-    Load(bytes, [](CArchive &ar) {
-        BYTE b;
-        char c;
-        signed char sc;
-        bool t;
-        WORD w;
-        short s;
-        DWORD dw;
-        LONG l;
-        unsigned long ul;
-        long sl;
-        long long ll;
-        unsigned long long ull;
-        float f;
-        double d;
-        ar >> b >> c >> sc >> t >> w >> s >> dw >> l >> ul >> sl >> ll >> ull >> f >> d;
-        EXPECT_EQ(b, 200);
-        EXPECT_EQ(c, 'z');
-        EXPECT_EQ(sc, -100);
-        EXPECT_TRUE(t);
-        EXPECT_EQ(w, 65000);
-        EXPECT_EQ(s, -30000);
-        EXPECT_EQ(dw, 4000000000u);
-        EXPECT_EQ(l, -2000000000);
-        EXPECT_EQ(ul, 0xDEADBEEFUL);
-        EXPECT_EQ(sl, -123456L);
-        EXPECT_EQ(ll, -5LL);
-        EXPECT_EQ(ull, 0xFFFFFFFFFFULL);
-        EXPECT_EQ(f, 3.5f);
-        EXPECT_EQ(d, 1e300);
-        EXPECT_EQ(ar.GetBytesRemaining(), 0u);
+    EXPECT_EQ(Store([&](CArchive &ar) { ar << value; }), bytes) << typeid(T).name();
+    Load(bytes, [&](CArchive &ar) {
+        T back{};
+        ar >> back;
+        EXPECT_EQ(back, value) << typeid(T).name();
     });
 }
+} // namespace
 
-TEST(CArchiveScalars, AnyNonZeroByteLoadsAsTrue)
+TEST(CArchiveScalars, EachTypeIsWrittenLittleEndianAtItsFixedWidthAndReadBack)
 {
-    Load({0x00, 0x01, 0x7F, 0xFF}, [](CArchive &ar) {
-        bool a, b, c, d;
-        ar >> a >> b >> c >> d;
-        EXPECT_FALSE(a);
-        EXPECT_TRUE(b);
-        EXPECT_TRUE(c);
-        EXPECT_TRUE(d);
+    ExpectScalar(BYTE(0xAB), {0xAB});
+    ExpectScalar(static_cast<signed char>(-2), {0xFE});
+    ExpectScalar(true, {0x01});
+    ExpectScalar(WORD(0x1234), {0x34, 0x12});
+    ExpectScalar(short(-2), {0xFE, 0xFF});
+    ExpectScalar(DWORD(0x12345678), {0x78, 0x56, 0x34, 0x12});
+    ExpectScalar(LONG(-2), {0xFE, 0xFF, 0xFF, 0xFF});
+    ExpectScalar(-2L, {0xFE, 0xFF, 0xFF, 0xFF}); // the platform's long is 32 bits
+    ExpectScalar(0x89ABCDEFUL, {0xEF, 0xCD, 0xAB, 0x89});
+    ExpectScalar(-2LL, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
+    ExpectScalar(0x0102030405060708ULL, {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01});
+    ExpectScalar(1.0f, {0x00, 0x00, 0x80, 0x3F});
+    ExpectScalar(-2.0, {0, 0, 0, 0, 0, 0, 0x00, 0xC0});
+    Load({0x7F, 0xFF}, [](CArchive &ar) {
+        bool a = false, b = false;
+        ar >> a >> b;
+        EXPECT_TRUE(a && b) << "any non-zero byte loads as true";
     });
 }
 
@@ -523,17 +473,13 @@ TEST(CArchiveStrings, LoneSurrogatesSurviveAndNonCharactersBecomeReplacement)
     EXPECT_EQ(Store([&](CArchive &ar) { ar << bad; }), (Bytes{0xFF, 0xFE, 0xFF, 0x01, 0xFD, 0xFF}));
 }
 
-TEST(CArchiveStrings, NarrowTextLoadsIntoAWideStringOneCharacterPerByte)
+TEST(CArchiveStrings, NarrowTextLoadsAsWindows1252AndWideTextIntoANarrowStringAsUtf8)
 {
     Load({0x04, 'A', 0x80, 0xE9, 0x9F}, [](CArchive &ar) {
         CString s;
         ar >> s;
         EXPECT_TRUE(s == CString(L"A\u20AC\u00E9\u0178"));
     });
-}
-
-TEST(CArchiveStrings, WideTextLoadsIntoANarrowStringAsUtf8)
-{
     const Bytes bytes = Store([](CArchive &ar) { ar << CString(L"Fl\u00F6te \U0001D11E"); });
     Load(bytes, [](CArchive &ar) {
         CStringA s;
@@ -638,17 +584,6 @@ TEST(CArchiveObjects, IndicesAboveTheSmallRangeUseTheBigTagForObjectsAndClasses)
         EXPECT_EQ(static_cast<ArPoint *>(b1)->m_x, 20);
         EXPECT_EQ(ar.GetLoadedObjects().size(), 2u);
     });
-}
-
-TEST(CArchiveObjects, MappingAnObjectAgainTakesANewIndex)
-{
-    ArPoint p;
-    const Bytes bytes = Store([&](CArchive &ar) {
-        ar.MapObject(&p);
-        ar.MapObject(&p);
-        ar << &p;
-    });
-    EXPECT_EQ(bytes, (Bytes{0x02, 0x00}));
 }
 
 TEST(CArchiveObjects, SharedAndCyclicGraphsComeBackAsOneObjectEach)
@@ -854,8 +789,6 @@ TEST(CArchiveObjects, WritingToALoadingArchiveIsReadOnly)
     };
     EXPECT_EQ(attempt([](CArchive &ar) { ar << DWORD(1); }), CArchiveException::readOnly);
     EXPECT_EQ(attempt([&](CArchive &ar) { ar << &p; }), CArchiveException::readOnly);
-    EXPECT_EQ(attempt([](CArchive &ar) { ar.WriteCount(1); }), CArchiveException::readOnly);
-    EXPECT_EQ(attempt([](CArchive &ar) { ar.Write("x", 1); }), CArchiveException::readOnly);
 }
 
 TEST(CArchiveObjects, AClosedArchiveRefusesFurtherUse)
@@ -967,35 +900,6 @@ TEST(CArchiveFiles, TheDestructorFlushesUnlessToldNotToAndAbortWritesNothing)
     EXPECT_EQ(a.GetLength(), 4u);
     EXPECT_EQ(b.GetLength(), 0u);
     EXPECT_EQ(c.GetLength(), 0u);
-}
-
-TEST(CArchiveFiles, AGraphRoundTripsThroughARealFile)
-{
-    const std::string path = ::testing::TempDir() + "/carchive_roundtrip_" + std::to_string(::getpid()) + ".bin";
-    ArNode root, child;
-    root.m_children = {&child};
-    child.m_pLink = &root;
-    child.m_value = 42;
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::typeBinary | CFile::shareDenyNone);
-        CArchive ar(&file, CArchive::store);
-        ar << &root << CString(L"end");
-        ar.Close();
-        file.Close();
-    }
-    {
-        CFile file(path.c_str(), CFile::modeRead);
-        CArchive ar(&file, CArchive::load);
-        EXPECT_EQ(ar.GetBytesRemaining(), file.GetLength());
-        ArNode *r;
-        CString tail;
-        ar >> r >> tail;
-        std::unique_ptr<ArNode> rootOwner(r), childOwner(r->m_children.at(0));
-        EXPECT_EQ(r->m_children[0]->m_value, 42);
-        EXPECT_EQ(r->m_children[0]->m_pLink, r);
-        EXPECT_TRUE(tail == CString(L"end"));
-    }
-    ::unlink(path.c_str());
 }
 
 TEST(CArchiveFiles, ALentBufferIsUsedAndATooSmallOneIsRefused)
