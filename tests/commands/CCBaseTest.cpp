@@ -72,19 +72,6 @@ TEST(CCBaseDiscard, ProcessDetachesParentsAndChildrenAndDropsTheList)
     cmd->Unref(1);
 }
 
-TEST(CCBaseRefCount, UnrefNeverGoesBelowZeroAndDeletesOnlyWhenAsked)
-{
-    std::vector<std::string> log;
-    const int live = TestCommand::s_live;
-    auto *cmd = new TestCommand(&log, "x");
-    EXPECT_EQ(cmd->Unref(0), 0);
-    EXPECT_EQ(cmd->Ref(), 1);
-    EXPECT_EQ(cmd->Ref(), 2);
-    EXPECT_EQ(cmd->Unref(1), 1);
-    EXPECT_EQ(cmd->Unref(1), 0);
-    EXPECT_EQ(TestCommand::s_live, live);
-}
-
 TEST(MCCommandListTest, GetCommandFindsByIdOrMakesOneOfTheClass)
 {
     CTypedPtrList<MCCommandList, CCBase *> list;

@@ -90,31 +90,21 @@ TEST_F(Handlers, HandlersSeeTheBatchAndGoWhenRemoved)
     EXPECT_EQ(seen.calls[0], 1);
 }
 
-TEST(CommandHandlerOrder, InsertedBeforeTheIndexOrAppended)
+TEST_F(Handlers, InsertedBeforeTheIndexOrAppended)
 {
-    std::vector<int> order;
-    static std::vector<int> *s_order;
-    s_order = &order;
+    static std::vector<intptr_t> s_order;
+    s_order.clear();
     auto handler = [](ECBase *, int phase, void *, void *user) {
         if (phase == 0)
-            s_order->push_back(static_cast<int>(reinterpret_cast<intptr_t>(user)));
+            s_order.push_back(reinterpret_cast<intptr_t>(user));
         return 1;
     };
-    std::vector<std::string> log;
-    ECPerformance *doc = new ECPerformance;
-    doc->Ref();
-    doc->AddChild(new ECConductor, 0);
-    MCCommandMgr &mgr = *doc->GetCommandMgr();
-    mgr.AddCommandHandler(handler, reinterpret_cast<void *>(1), 5);
-    mgr.AddCommandHandler(handler, reinterpret_cast<void *>(2), 0);
-    mgr.AddCommandHandler(handler, reinterpret_cast<void *>(3), 1);
-    doc->AddCommandHandler(handler, reinterpret_cast<void *>(4));
-    auto *cmd = new TestCommand(&log, "a");
-    cmd->SetSynchronous(1);
-    cmd->Apply(doc);
-    EXPECT_EQ(order, (std::vector<int>{2, 3, 1, 4}));
-    doc->RemoveChildren(1);
-    doc->Unref(1);
+    Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(1), 5);
+    Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(2), 0);
+    Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(3), 1);
+    m_doc->AddCommandHandler(handler, reinterpret_cast<void *>(4));
+    Run("a");
+    EXPECT_EQ(s_order, (std::vector<intptr_t>{2, 3, 1, 4}));
 }
 
 // ---- Refusals ----

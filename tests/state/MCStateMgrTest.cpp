@@ -1,7 +1,6 @@
 // Delivery of state records: handlers, the global handler, the main window,
 // auto delete and the records that act on delivery.
 #include <scoremodel/commands/MCCommandMgr.h>
-#include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/platform/MCMessageLoop.h>
 #include <scoremodel/platform/Preferences.h>
@@ -151,30 +150,6 @@ TEST(StateRecords, PreferencesRecordReadsUndoLevelsAndSelectionColour)
     MCCommandMgr::SetUndoLevels(levels);
 }
 
-TEST(StateRecords, SelectionMarksItsEventsWhenApplied)
-{
-    ECBase *a = CreateEventW(EVENT_ID_WITH_TIME);
-    ECBase *b = CreateEventW(EVENT_ID_WITH_TIME);
-    a->Ref();
-    b->Ref();
-    b->SetSelected(1, 1);
-    auto *sel = new SCSelection(3);
-    sel->AddToSelection(b);
-    sel->RemoveFromSelection(b); // moves it to the other list
-    sel->AddToSelection(a);
-    sel->AddToSelection(a);
-    EXPECT_EQ(sel->GetEvents(SCSelection::EventsAdded)->GetCount(), 1);
-    EXPECT_EQ(sel->GetEvents(SCSelection::EventsRemoved)->GetCount(), 1);
-    EXPECT_EQ(sel->GetEvents(2), nullptr);
-    sel->SetSynchronous(1);
-    sel->Apply(nullptr);
-    EXPECT_TRUE(a->IsSelected(1));
-    EXPECT_FALSE(b->IsSelected(1));
-    EXPECT_EQ(a->GetRefCount(), 1) << "the delivered record let its events go";
-    a->Unref(1);
-    b->Unref(1);
-}
-
 TEST(StateRecords, ModeRecordSetsTheModeBeforeHandlersSeeIt)
 {
     const int mode = SCMode::GetMode();
@@ -183,11 +158,4 @@ TEST(StateRecords, ModeRecordSetsTheModeBeforeHandlersSeeIt)
     record->Apply(nullptr);
     EXPECT_EQ(SCMode::GetMode(), mode + 3);
     SCMode::SetMode(mode);
-
-    ECBase *drawing = CreateEventW(EVENT_ID_WITH_TIME);
-    SCMode::SetDrawingEvent(drawing);
-    EXPECT_EQ(SCMode::GetEvent(), drawing);
-    EXPECT_EQ(drawing->GetRefCount(), 1);
-    SCMode::ClearDrawingEvent(); // the last holder: the event goes
-    EXPECT_EQ(SCMode::GetEvent(), nullptr);
 }

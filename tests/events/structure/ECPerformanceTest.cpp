@@ -54,9 +54,6 @@ TEST(ECPerformanceConductor, FoundOnceAndKeptFromThenOn)
     auto *conductor = new ECConductor;
     doc->AddChild(conductor, 0);
     EXPECT_EQ(doc->GetConductor(), conductor);
-    EXPECT_EQ(doc->GetEventId(), EVENT_ID_PERFORMANCE);
-    CArray<int, int> parents;
-    EXPECT_EQ(doc->GetParentTypes(parents), 0);
     Drop(doc);
 }
 
