@@ -41,9 +41,11 @@
 class ECConductorStaff;
 class ECMeasure;
 class ECMeter;
+class ECMeterEnv;
 class ECPerformance;
 class ECStaff;
 class ECTempo;
+class ECTempoEnv;
 class ECTrack;
 class ECWaveTrack;
 
@@ -107,6 +109,8 @@ public:
     int GetMaxMeasureNumber();
     // The end of the last measure; 0.0 without measures.
     MCTime GetMaxMeasureEndTime();
+    // The conductor staff keeps no measure columns yet, so these answer as
+    // for a score without measures: 0, null, an emptied list.
     int GetMeasureNumberAtTime(MCTime &time);
     int GetMeasureNumberBeforeTime(MCTime &time);
     ECMeasure *GetMeasure(int track, MCTime time, int create, int count);
@@ -163,6 +167,10 @@ protected:
     int InsertTrack(ECTrack *track, int index);
     // The reverse of InsertTrack; nothing for null or a track not placed.
     void RemoveTrack(ECTrack *track);
+    // The index at which InsertTrack puts `track` back where it stands now
+    // (its staff number, its wave track index, 0 for the conductor staff and
+    // the chord staff); -1 when it is not placed.
+    int GetPlace(ECTrack *track);
     // Array index plus 1; -1 when absent.
     int GetWaveTrackNumber(ECWaveTrack *track);
     // Number 1 to the array size: that wave track. Another number gives 0
@@ -182,6 +190,13 @@ protected:
 
 private:
     ECConductor(const ECConductor &) = delete;
+
+    // 1 when `track` is in the child list (its parent list names this
+    // conductor; that list is the short one).
+    int IsChild(ECBase *track);
+    // The conductor staff's envelopes, without making them; null when absent.
+    ECTempoEnv *TempoEnv();
+    ECMeterEnv *MeterEnv();
 
     // Keeps `track` as the conductor staff or chord staff pointer `slot`,
     // with a reference, and lets go of what it held before.

@@ -53,8 +53,11 @@ public:
     // Forgets both envelopes first.
     int RemoveChildren(int deep) override;
 
-    ECConductor *GetConductor() const { return m_pConductor; }
-    ECPerformance *GetPerformance() const { return m_pPerformance; }
+    // As given to the constructor or read from the archive; otherwise
+    // found (and kept) from the tree: the conductor ancestor and its
+    // performance.
+    ECConductor *GetConductor();
+    ECPerformance *GetPerformance();
 
     // ---- Staves ----
 
@@ -64,9 +67,10 @@ public:
     // absent.
     int GetStaffNumber(ECStaff *staff);
     // The staff of `number` for 0 to the maximum. Another number gives 0
-    // when `create` is 0; otherwise a new staff is made with that track
-    // number and added by a synchronous CCAddTrack on the performance, and
-    // the staff that then stands at `number` (if any) is returned.
+    // when `create` is 0; otherwise a new staff is added at the end by a
+    // synchronous CCAddTrack on the performance (so it takes the next
+    // number, whatever `number` said) and returned, or 0 if it could not be
+    // placed.
     ECStaff *GetStaff(int number, int create);
     // Places `staff` at number `at`; an `at` below 1 or above the maximum
     // plus 1 means the end. The staves from `at` on move up by one (their
@@ -104,6 +108,9 @@ protected:
     // Gives every staff whose track number is at least `from` the number
     // plus `delta`, through its whole subtree.
     void RenumberStaves(int from, int delta);
+    // The highest index of the staff array that counts: the max staff
+    // number, kept inside the array even when a document says otherwise.
+    int LastStaffIndex() const;
 
     ECConductor *m_pConductor = nullptr;
     ECPerformance *m_pPerformance = nullptr;
