@@ -204,7 +204,8 @@ protected:
     // True when both names are equal (case-sensitive) and hold the marker
     // text "ID_STRING_THE_SAME_ACTION" of "InternalSystemData".
     static int IsCreatedInOneAction(CString &first, CString &second);
-    // Registers the window class and makes the command window, once.
+    // Registers the window class once, and makes the command window unless
+    // it exists (again, when it went with the thread that made it).
     static void Initialize();
     static LRESULT CommandWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
