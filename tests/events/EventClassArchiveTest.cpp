@@ -23,6 +23,7 @@ const std::set<int> kStoresDuration = {EVENT_ID_NOTE,    EVENT_ID_GRACE_NOTE, EV
                                        EVENT_ID_LYRIC_BLOCK, EVENT_ID_WAVE,   EVENT_ID_COMPRESS,
                                        EVENT_ID_DYNAMIC, EVENT_ID_PEDAL,      EVENT_ID_TRANSPOSE};
 
+// Takes down an event that nobody else holds, with its children.
 void Release(ECBase *e)
 {
     e->Ref();
@@ -59,7 +60,6 @@ TEST(EventClassArchiveTest, EveryServedClassRoundTripsItsBaseRecord)
         SCOPED_TRACE(row.name);
         ECBase *original = MakeFilled(row.id);
         ASSERT_NE(original, nullptr);
-        original->Ref();
 
         CMemFile mem;
         {
