@@ -1,11 +1,13 @@
-// Cost of the event bases: bytes per event, appending children and events in
+// Cost of the event tree: bytes per note, appending children and events in
 // time order, and sorting a sorted list.
 //
 //   sizes             sizeof of the main classes (printed once)
-//   heap/child        heap bytes per child for 1,000,000 small timed events
-//                     under parents of 32 children (no index) and of 1000
-//                     children (with the membership index): the event, its
-//                     node in the parent's list and its parent link
+//   heap/note         heap bytes per note for the score of BenchScore.h
+//                     (1,000,000 notes in 10,000 measures): the note,
+//                     its node in the measure's list and its parent link,
+//                     with the measures and staves spread over the notes;
+//                     and per note under parents of 1000, where the
+//                     membership index of a long list is built
 //   AddChild/N        N new children appended in time order to one parent
 //                     with AddChild(child, 1): the sorted insertion is O(1)
 //                     and a new child needs no double check
@@ -14,15 +16,24 @@
 //   AddEvent/N        N events appended in time order to a list, sorted
 //   SortSorted/N      Sort() of a sorted list of N events
 //
-// Each timed figure is printed per element with the ratio of 200,000 to
+// Each sized figure is printed per element with the ratio of 200,000 to
 // 100,000 elements; a flat cost gives about 1.0, and the goal is at most 2.5.
+// The walk speed of the searches over the same score is bench_actions'.
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithTime.h>
-#include <scoremodel/events/base/ECWithTimeChild.h>
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/base/MCEventList.h>
+#include <scoremodel/events/notes/ECBeam.h>
+#include <scoremodel/events/notes/ECChord.h>
+#include <scoremodel/events/notes/ECNote.h>
+#include <scoremodel/events/notes/ECRest.h>
+#include <scoremodel/events/notes/ECTuplet.h>
+#include <scoremodel/events/structure/ECMeasure.h>
+#include <scoremodel/events/structure/ECStaff.h>
 
 #include <benchmark/benchmark.h>
+
+#include "BenchScore.h"
 
 #include <cstdio>
 #include <malloc.h>
@@ -34,27 +45,16 @@ namespace
 {
 using EventList = CTypedPtrList<MCEventList, ECBase *>;
 
-ECBase *MakeTimed(int id, float time)
-{
-    ECBase *e = CreateEventW(id);
-    MCTime t(time);
-    e->SetTime(&t);
-    return e;
-}
+using bench::MakeTimed;
+using bench::ReleaseTree;
 
 std::vector<ECBase *> MakeLeaves(int n)
 {
     std::vector<ECBase *> leaves;
     leaves.reserve(static_cast<size_t>(n));
     for (int i = 0; i < n; ++i)
-        leaves.push_back(MakeTimed(EVENT_ID_WITH_TIME, static_cast<float>(i) * 0.25f));
+        leaves.push_back(MakeTimed(EVENT_ID_NOTE, static_cast<float>(i) * 0.25f));
     return leaves;
-}
-
-void ReleaseTree(ECBase *root)
-{
-    root->RemoveChildren(1);
-    root->Unref(1);
 }
 
 void BM_AddChild(benchmark::State &state)
@@ -63,7 +63,7 @@ void BM_AddChild(benchmark::State &state)
     for (auto _ : state)
     {
         state.PauseTiming();
-        ECBase *parent = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
+        ECBase *parent = CreateEventW(EVENT_ID_MEASURE);
         parent->Ref();
         std::vector<ECBase *> leaves = MakeLeaves(n);
         state.ResumeTiming();
@@ -84,7 +84,7 @@ void BM_AddChildHeld(benchmark::State &state)
     for (auto _ : state)
     {
         state.PauseTiming();
-        ECBase *parent = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
+        ECBase *parent = CreateEventW(EVENT_ID_MEASURE);
         parent->Ref();
         std::vector<ECBase *> leaves = MakeLeaves(n);
         for (ECBase *leaf : leaves)
@@ -182,42 +182,49 @@ size_t HeapInUse()
     return info.uordblks + info.hblkhd;
 }
 
-// Heap per child for `total` timed leaves under parents of `perParent`; the
-// parents themselves are made first and not counted.
-double HeapPerChild(int total, int perParent)
+// Heap per note for `total` notes under measures of `perMeasure`; the
+// measures are made first and not counted.
+double HeapPerNote(int total, int perMeasure)
 {
-    std::vector<ECBase *> parents;
-    for (int made = 0; made < total; made += perParent)
+    std::vector<ECBase *> measures;
+    for (int made = 0; made < total; made += perMeasure)
     {
-        ECBase *parent = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
-        parent->Ref();
-        parents.push_back(parent);
+        ECBase *measure = CreateEventW(EVENT_ID_MEASURE);
+        measure->Ref();
+        measures.push_back(measure);
     }
     size_t before = HeapInUse();
     int made = 0;
-    for (ECBase *parent : parents)
+    for (ECBase *measure : measures)
     {
-        for (int i = 0; i < perParent && made < total; ++i, ++made)
-            parent->AddChild(MakeTimed(EVENT_ID_WITH_TIME, static_cast<float>(i)), 1);
-        parent->GetChildren()->Contains(nullptr); // a search builds the index of a long list
+        for (int i = 0; i < perMeasure && made < total; ++i, ++made)
+            measure->AddChild(MakeTimed(EVENT_ID_NOTE, static_cast<float>(i)), 1);
+        measure->GetChildren()->Contains(nullptr); // a search builds the index of a long list
     }
     size_t after = HeapInUse();
-    for (ECBase *parent : parents)
-        ReleaseTree(parent);
+    for (ECBase *measure : measures)
+        ReleaseTree(measure);
     return static_cast<double>(after - before) / total;
 }
 
 void PrintSizes()
 {
-    std::printf("sizeof: ECBase %zu, ECWithChild %zu, ECWithTime %zu, ECWithTimeChild %zu, MCEventList %zu, "
+    std::printf("sizeof: ECBase %zu, ECWithChild %zu, ECWithTime %zu, ECWithTimeChild %zu, ECNote %zu, ECChord %zu, "
+                "ECRest %zu, ECBeam %zu, ECTuplet %zu, ECMeasure %zu, ECStaff %zu, MCEventList %zu, "
                 "MCDataArray %zu, MCTime %zu, list node %zu\n",
-                sizeof(ECBase), sizeof(ECWithChild), sizeof(ECWithTime), sizeof(ECWithTimeChild),
-                sizeof(MCEventList), sizeof(MCDataArray), sizeof(MCTime), sizeof(MCObList::Node));
-    double small = HeapPerChild(1000000, 32);
-    double large = HeapPerChild(1000000, 1000);
-    std::printf("heap per child, 1,000,000 timed events: %.1f bytes under parents of 32, %.1f bytes under "
-                "parents of 1000 (ratio %.2f; the difference is the membership index)\n\n",
-                small, large, large / small);
+                sizeof(ECBase), sizeof(ECWithChild), sizeof(ECWithTime), sizeof(ECWithTimeChild), sizeof(ECNote),
+                sizeof(ECChord), sizeof(ECRest), sizeof(ECBeam), sizeof(ECTuplet), sizeof(ECMeasure),
+                sizeof(ECStaff), sizeof(MCEventList), sizeof(MCDataArray), sizeof(MCTime),
+                sizeof(MCObList::Node));
+    double large = HeapPerNote(1000000, 1000);
+    size_t before = HeapInUse();
+    ECBase *score = bench::BuildScore();
+    double perNote = static_cast<double>(HeapInUse() - before) / bench::kScoreNotes;
+    ReleaseTree(score);
+    std::printf("heap per note, 1,000,000 notes: %.1f bytes in the score (10 staves, 1000 measures each, 100 notes "
+                "each, measures and staves included), %.1f bytes under measures of 1000 (ratio %.2f; the "
+                "difference is the membership index of long lists)\n\n",
+                perNote, large, large / perNote);
 }
 } // namespace
 
