@@ -221,8 +221,9 @@ void ECConductorStaff::Serialize(CArchive &ar)
     DWORD maxStaff = 0;
     DWORD maxMeasure = 0;
     ar >> maxStaff >> maxMeasure;
-    m_nMaxStaffNumber = static_cast<int>(maxStaff);
-    m_nMaxMeasure = static_cast<int>(maxMeasure);
+    // A damaged count must not turn into a negative index.
+    m_nMaxStaffNumber = std::max(0, static_cast<int>(maxStaff));
+    m_nMaxMeasure = std::max(-1, static_cast<int>(maxMeasure));
     m_maxMeasureEndTime.Serialize(ar, ActiveArchiveVersion());
     if (ActiveArchiveVersion() >= 3)
         ar >> m_pTempoEnv >> m_pMeterEnv;
@@ -244,7 +245,6 @@ void ECConductorStaff::PostSerialize(CArchive &ar)
         if (m_staves.GetSize() == 0)
             m_staves.SetSize(1, 4);
         m_staves.SetAt(0, this);
-        if (m_nMaxStaffNumber < 0)
-            m_nMaxStaffNumber = 0;
+        m_nMaxStaffNumber = LastStaffIndex();
     }
 }
