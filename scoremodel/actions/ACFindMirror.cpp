@@ -26,9 +26,11 @@ int ACFindMirror::DoAction(ECBase *e)
     return ACFindEvents::DoAction(e);
 }
 
-void ACFindMirror::SetMirrorResolver(MIRRORFUNC resolver)
+ACFindMirror::MIRRORFUNC ACFindMirror::SetMirrorResolver(MIRRORFUNC resolver)
 {
+    MIRRORFUNC previous = s_mirrorResolver;
     s_mirrorResolver = resolver;
+    return previous;
 }
 
 ECBase *ACFindMirror::ResolveMirror(ECBase *mirror)

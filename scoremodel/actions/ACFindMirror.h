@@ -32,8 +32,9 @@ public:
     void SetMirroredEvent(ECBase *mirrored) { m_pMirrored = mirrored; }
     ECBase *GetMirroredEvent() const { return m_pMirrored; }
 
-    // Process-wide, set once at start by the mirror class.
-    static void SetMirrorResolver(MIRRORFUNC resolver);
+    // Process-wide, set once at start by the mirror class; returns the
+    // resolver installed before, so a caller can put it back.
+    static MIRRORFUNC SetMirrorResolver(MIRRORFUNC resolver);
     // The event `mirror` stands for through the registered resolver; null
     // without one.
     static ECBase *ResolveMirror(ECBase *mirror);

@@ -115,7 +115,7 @@ TEST(ACFindMirrorTest, FindsTheMirrorsOfOneEventOrAll)
     ECBase *m1 = tree.Timed(tree.Root(), EVENT_ID_MIRROR);
     ECBase *m2 = tree.Timed(tree.Root(), EVENT_ID_MIRROR);
     g_mirrors = {{m1, meter}, {m2, key}};
-    ACFindMirror::SetMirrorResolver(ResolveForTest);
+    const ACFindMirror::MIRRORFUNC installed = ACFindMirror::SetMirrorResolver(ResolveForTest);
     ACFindMirror ofMeter(meter), all;
     ofMeter.Apply(tree.Root());
     all.Apply(tree.Root());
@@ -127,6 +127,7 @@ TEST(ACFindMirrorTest, FindsTheMirrorsOfOneEventOrAll)
     ACFindMirror unresolved(meter);
     unresolved.Apply(tree.Root());
     EXPECT_TRUE(unresolved.GetEvents().IsEmpty());
+    ACFindMirror::SetMirrorResolver(installed);
 }
 
 TEST(ACFindVoiceTrackTest, MatchesVoiceAndTrackWithTheirWildcards)
