@@ -129,8 +129,11 @@ TEST_F(StateDelivery, RecordAppliedAfterTheWindowIsGoneIsDeleted)
 
 // ---- Records that act on delivery ----
 
+// A record is delivered only once the state window exists, which the first
+// state manager or SetGlobalHandler makes; these tests have no document.
 TEST(StateRecords, PreferencesRecordReadsUndoLevelsAndSelectionColour)
 {
+    MCStateMgr::SetGlobalHandler(nullptr, nullptr);
     const int levels = MCCommandMgr::GetUndoLevels();
     ASSERT_TRUE(SaveIntPreference(L"Settings", L"UndoLevels", 17));
     ASSERT_TRUE(SaveIntPreference(L"Settings\\Color", L"Selection", 0x123456));
@@ -152,6 +155,7 @@ TEST(StateRecords, PreferencesRecordReadsUndoLevelsAndSelectionColour)
 
 TEST(StateRecords, ModeRecordSetsTheModeBeforeHandlersSeeIt)
 {
+    MCStateMgr::SetGlobalHandler(nullptr, nullptr);
     const int mode = SCMode::GetMode();
     auto *record = new SCMode(12, mode + 3);
     record->SetSynchronous(1);
