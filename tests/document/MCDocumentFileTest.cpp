@@ -164,7 +164,9 @@ void ExpectSameTree(ECBase *a, ECBase *b, std::map<ECBase *, ECBase *> &pairs)
         auto *db = static_cast<DocTestData *>(b->GetData()->GetAt(slot));
         ASSERT_EQ(da == nullptr, db == nullptr) << "slot " << slot;
         if (da)
+        {
             EXPECT_EQ(std::make_pair(da->A(), da->B()), std::make_pair(db->A(), db->B()));
+        }
     }
     ASSERT_EQ(a->GetChildren() == nullptr, b->GetChildren() == nullptr);
     if (!a->GetChildren())

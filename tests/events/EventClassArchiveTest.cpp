@@ -88,13 +88,17 @@ TEST(EventClassArchiveTest, EveryServedClassRoundTripsItsBaseRecord)
             EXPECT_EQ(loaded->GetVoiceTrack()->GetValue(), original->GetVoiceTrack()->GetValue());
         }
         if (kStoresDuration.count(row.id))
+        {
             EXPECT_TRUE(*loaded->GetDuration() == MCTime(0.75f));
+        }
         if (ECBase::EventList *children = original->GetChildren())
         {
             ASSERT_NE(loaded->GetChildren(), nullptr);
             ASSERT_EQ(loaded->GetChildren()->GetCount(), children->GetCount());
             if (!children->IsEmpty())
+            {
                 EXPECT_TRUE(*loaded->GetChildren()->GetHead()->GetTime() == MCTime(1.25f));
+            }
         }
         Release(loaded);
         Release(original);

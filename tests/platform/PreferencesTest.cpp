@@ -138,7 +138,9 @@ TEST(Preferences, AFolderOrPipeInPlaceOfTheFileGivesDefaultsNeitherHangsNorIsRep
         const std::filesystem::path file = folders.UserFolder() / "preferences.ini";
         std::filesystem::create_directories(pipe ? folders.UserFolder() : file);
         if (pipe)
+        {
             ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+        }
         EXPECT_EQ(LoadIntPreference(L"Settings", L"UndoLevels", 250), 250);
         EXPECT_FALSE(SaveIntPreference(L"Settings", L"UndoLevels", 5));
         EXPECT_EQ(std::filesystem::status(file).type(),

@@ -35,7 +35,10 @@ protected:
 #ifndef SCOREMODEL_TOOL
         GTEST_SKIP() << "the tool is not built";
 #endif
-        m_dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "tool-test";
+        // CTest runs each test in its own process, in parallel: every test
+        // needs a folder of its own, or one test's clean-up removes another's files.
+        m_dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "tool-test" /
+                ::testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(m_dir);
         fs::create_directories(m_dir);
     }

@@ -122,7 +122,8 @@ Bytes NewObject(const char *name, WORD schema, const Bytes &body)
 {
     Bytes out = {0xFF, 0xFF, static_cast<BYTE>(schema), static_cast<BYTE>(schema >> 8),
                  static_cast<BYTE>(std::strlen(name)), 0};
-    out.insert(out.end(), name, name + std::strlen(name));
+    for (const char *c = name; *c; ++c)
+        out.push_back(static_cast<BYTE>(*c));
     out.insert(out.end(), body.begin(), body.end());
     return out;
 }
