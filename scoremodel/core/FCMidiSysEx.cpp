@@ -1,5 +1,6 @@
 #include <scoremodel/core/FCMidiSysEx.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -32,18 +33,23 @@ bool IsSeparator(wchar_t c)
 }
 } // namespace
 
-FCMidiSysEx::FCMidiSysEx() : m_buffer(nullptr)
+FCMidiSysEx::FCMidiSysEx() : m_buffer(nullptr), m_size(0)
 {
 }
 
-FCMidiSysEx::FCMidiSysEx(const FCMidiSysEx &other) : FCMidi(other), m_buffer(nullptr)
+FCMidiSysEx::FCMidiSysEx(const FCMidiSysEx &other) : FCMidi(other), m_buffer(nullptr), m_size(0)
 {
     if (other.m_buffer != nullptr)
     {
-        const unsigned int length = other.GetSysExBufLength();
-        m_buffer = new BYTE[length];
-        std::memcpy(m_buffer, other.m_buffer, length);
+        m_size = other.HeldLength();
+        m_buffer = new BYTE[m_size];
+        std::memcpy(m_buffer, other.m_buffer, m_size);
     }
+}
+
+unsigned int FCMidiSysEx::HeldLength() const
+{
+    return m_buffer != nullptr ? std::min(GetSysExBufLength(), m_size) : 0;
 }
 
 FCMidiSysEx &FCMidiSysEx::operator=(const FCMidiSysEx &other)
@@ -51,15 +57,16 @@ FCMidiSysEx &FCMidiSysEx::operator=(const FCMidiSysEx &other)
     if (this == &other)
         return *this;
     BYTE *copy = nullptr;
+    const unsigned int length = other.HeldLength();
     if (other.m_buffer != nullptr)
     {
         // Allocate before freeing, so a failed allocation leaves this object whole.
-        const unsigned int length = other.GetSysExBufLength();
         copy = new BYTE[length];
         std::memcpy(copy, other.m_buffer, length);
     }
     delete[] m_buffer;
     m_buffer = copy;
+    m_size = length;
     FCMidi::operator=(other);
     return *this;
 }
@@ -146,24 +153,37 @@ void FCMidiSysEx::SetSysExBuf(BYTE *buffer, unsigned int length, int copy)
         {
             delete[] m_buffer;
             m_buffer = nullptr;
+            m_size = 0;
             return;
         }
-        if (length > GetSysExBufLength())
-            length = GetSysExBufLength();
+        if (length > HeldLength())
+            length = HeldLength();
         m_flags = (m_flags & FlagMask) | (static_cast<unsigned long>(length) << 4);
         return;
     }
-    delete[] m_buffer;
-    m_buffer = nullptr;
-    if (buffer == nullptr || length == 0)
-        return;
-    if (copy)
+    // Bytes from the middle of our own buffer must be copied before it goes.
+    const bool inside = buffer != nullptr && m_buffer != nullptr && buffer > m_buffer && buffer < m_buffer + m_size;
+    if (inside)
     {
-        m_buffer = new BYTE[length];
-        std::memcpy(m_buffer, buffer, length);
+        length = std::min(length, static_cast<unsigned int>(m_buffer + m_size - buffer));
+        copy = 1;
     }
-    else
-        m_buffer = buffer;
+    BYTE *held = nullptr;
+    if (buffer != nullptr && length != 0)
+    {
+        if (copy)
+        {
+            held = new BYTE[length];
+            std::memcpy(held, buffer, length);
+        }
+        else
+            held = buffer;
+    }
+    delete[] m_buffer;
+    m_buffer = held;
+    m_size = held != nullptr ? length : 0;
+    if (held == nullptr)
+        return;
     m_flags = (m_flags & FlagMask) | (static_cast<unsigned long>(length) << 4);
 }
 
@@ -172,7 +192,7 @@ int FCMidiSysEx::SysExCompare(const BYTE *pattern, unsigned int length, unsigned
 {
     if (pattern == nullptr)
         return 0;
-    if (m_buffer == nullptr || GetSysExBufLength() < length)
+    if (m_buffer == nullptr || HeldLength() < length)
         return 0;
     for (unsigned int i = 0; i < length; ++i)
     {
@@ -233,7 +253,7 @@ CString FCMidiSysEx::ConvertToString() const
     std::wstring text;
     if (m_buffer != nullptr)
     {
-        const unsigned int length = GetSysExBufLength();
+        const unsigned int length = HeldLength();
         text.reserve(static_cast<size_t>(length) * 3);
         for (unsigned int i = 0; i < length; ++i)
         {

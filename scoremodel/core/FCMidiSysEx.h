@@ -77,6 +77,8 @@ public:
     // now belongs to this object). A null buffer or a length of 0 leaves no
     // buffer and the length as it was. Passing this object's own buffer is
     // safe: the bytes stay and the length shrinks to `length` (never grows).
+    // A pointer into the middle of it is copied whatever `copy` says, and
+    // `length` is cut to the bytes that follow it.
     void SetSysExBuf(BYTE *buffer, unsigned int length, int copy);
 
     // Compares the bytes with `pattern` over the pattern's length, ignoring
@@ -113,5 +115,12 @@ public:
 
 private:
     void SetTemplate(const BYTE *pattern, unsigned int length);
+    // The bytes every reader may touch: the length set, but never more than
+    // the buffer holds. The two part only when the flag word was assigned
+    // through a base class reference, which copies the length and not the
+    // bytes; reading by this keeps such an object safe to copy and print.
+    unsigned int HeldLength() const;
+
     BYTE *m_buffer;
+    unsigned int m_size; // bytes allocated in m_buffer
 };

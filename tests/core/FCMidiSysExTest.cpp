@@ -161,6 +161,26 @@ TEST(FCMidiSysEx, CopiesNeverShareTheBufferAndAdoptedBuffersAreFreedOnce)
     EXPECT_EQ(Bytes(m), (std::vector<BYTE>{0xF0, 0x01}));
     m.SetSysExBuf(m.GetSysExBuf(), 50, 0);
     EXPECT_EQ(m.GetSysExBufLength(), 2u) << "a buffer handed back cannot grow";
+
+    // A tail of its own bytes, even when told to adopt it, is copied before
+    // the old buffer goes, and cut to what follows.
+    FCMidiSysEx tail;
+    tail.SetGMSystemOn(0x10);
+    tail.SetSysExBuf(tail.GetSysExBuf() + 3, 50, 0);
+    EXPECT_EQ(Bytes(tail), (std::vector<BYTE>{0x09, 0x01, 0xF7}));
+}
+
+TEST(FCMidiSysEx, AssignedThroughABaseReferenceItStaysSafeToCopyAndPrint)
+{
+    // The base assignment copies the longer length but not the bytes: the
+    // object must not read past the buffer it still holds.
+    FCMidiSysEx shortMessage, longMessage;
+    shortMessage.SetGMSystemOn(0);
+    longMessage.SetGSSystemOn(0);
+    static_cast<FCMidi &>(shortMessage) = longMessage;
+    FCMidiSysEx copy(shortMessage);
+    EXPECT_EQ(copy.ConvertToString(), CString(L"f0 7e 00 09 01 f7 "));
+    EXPECT_FALSE(shortMessage.IsGSSystemOnMsg());
 }
 
 TEST(FCMidiSysEx, TextRoundTripAndTheFormsOfTextAccepted)
