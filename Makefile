@@ -26,7 +26,8 @@ demo: build
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-bench: deps
+bench:
+	@scripts/install-deps.sh --bench
 	@cmake -S . -B $(BUILD_BENCH) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSCOREMODEL_BUILD_BENCH=ON \
 	    -DSCOREMODEL_BUILD_TESTS=OFF >/dev/null
 	@cmake --build $(BUILD_BENCH) -j $(JOBS)

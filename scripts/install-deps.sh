@@ -5,12 +5,15 @@
 #
 #   scripts/install-deps.sh          # build, tests, benchmarks
 #   scripts/install-deps.sh --fuzz   # also clang and its sanitizer runtime
+#   scripts/install-deps.sh --bench  # also Boost.Serialization, the document
+#                                    # benchmark's point of comparison
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
-if [[ "${1:-}" == "--fuzz" ]]; then
-  packages+=(clang libclang-rt-14-dev)
-fi
+case "${1:-}" in
+  --fuzz) packages+=(clang libclang-rt-14-dev) ;;
+  --bench) packages+=(libboost-serialization-dev) ;;
+esac
 
 missing=()
 for p in "${packages[@]}"; do
