@@ -79,9 +79,10 @@ void ClearMarks(const std::vector<CObject *> &loaded, ECBase *root)
 }
 
 // Every event the archive made must hang below the root, through child
-// lists without a cycle, and every other object must be an attachment of
-// one of them: anything else would outlive the document (nothing holds it)
-// or make walks and releases go round for ever.
+// lists and the events held by members (GetMemberEvent) without a cycle, and
+// every other object must be an attachment of one of them: anything else
+// would outlive the document (nothing holds it) or make walks and releases go
+// round for ever.
 void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
 {
     struct Frame
@@ -89,6 +90,7 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
         ECBase::EventList *children;
         POSITION pos;
         ECBase *event;
+        int member; // the next GetMemberEvent index, once the children are done
     };
     struct Cleanup
     {
@@ -101,20 +103,24 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
     auto enter = [&stack](ECBase *event) {
         event->SetHit(1, kOnPath);
         ECBase::EventList *children = event->GetChildren();
-        stack.push_back(Frame{children, children ? children->GetHeadPosition() : nullptr, event});
+        stack.push_back(Frame{children, children ? children->GetHeadPosition() : nullptr, event, 0});
     };
     enter(root);
     while (!stack.empty())
     {
         Frame &top = stack.back();
-        if (!top.pos)
+        ECBase *child = nullptr;
+        if (top.pos)
+            child = top.children->GetNext(top.pos);
+        else if (top.member >= 0 && !(child = top.event->GetMemberEvent(top.member++)))
+            top.member = -1;
+        if (top.member < 0)
         {
             top.event->SetHit(0, 3);
             top.event->SetHit(1, kReached);
             stack.pop_back();
             continue;
         }
-        ECBase *child = top.children->GetNext(top.pos);
         if (!child)
             continue;
         const unsigned marks = child->GetHitFlag();

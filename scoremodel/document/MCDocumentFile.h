@@ -38,6 +38,7 @@
 // save or load runs at a time in a process, on the document's thread.
 #pragma once
 
+#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/platform/Types.h>
 
@@ -74,7 +75,7 @@ class MCDocumentFile
 {
 public:
     // The version this library writes: the newest layout of every record.
-    static constexpr int kVersion = 20;
+    static constexpr int kVersion = ArchiveVersionCurrent;
     static constexpr UINT kHeaderSize = 20;
     static const BYTE kTag[8];
 

@@ -3,7 +3,13 @@
 // atomic save.
 #include "events/base/EventTestSupport.h"
 
+#include <scoremodel/commands/CCAddTrack.h>
+#include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/events/base/EventIds.h>
+#include <scoremodel/events/base/EventRegistry.h>
+#include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/events/base/DCBase.h>
 #include <scoremodel/events/media/ECFrame.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -325,6 +331,57 @@ TEST_F(MCDocumentFileTest, RandomDocumentsComeBackEqual)
         }
         EXPECT_EQ(Save(loaded.p), Save(doc.p)) << "a loaded document saves to the same bytes";
     }
+}
+
+// A document as a host makes it: a conductor with its staff, sometimes a chord
+// staff (held by the conductor and in no child list), staves added by
+// commands, notes in measures shared with beams, and times of every mode.
+TEST_F(MCDocumentFileTest, StructuredDocumentsComeBackEqual)
+{
+    for (unsigned seed = 1; seed <= 24; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        std::mt19937 rng(seed);
+        auto pick = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+        Held doc(NewDocument());
+        auto *conductor = new ECConductor;
+        doc.p->AddChild(conductor, 0);
+        conductor->GetConductorStaff();
+        const bool chordStaff = seed % 2 == 0;
+        if (chordStaff)
+            conductor->GetChordStaff();
+        for (int s = 1 + pick(3); s > 0; --s)
+        {
+            ECTrack *staff = CCAddTrack::AddNow(doc.p, new ECStaff, -1);
+            ECBase *measure = CreateEventW(EVENT_ID_MEASURE);
+            staff->AddChild(measure, 0);
+            ECBase *beam = CreateEventW(EVENT_ID_BEAM);
+            for (int n = pick(6); n > 0; --n)
+            {
+                ECBase *note = CreateEventW(EVENT_ID_NOTE);
+                MCTime time = pick(3) ? MCTime(static_cast<float>(pick(64)) / 8) : MCTime(pick(8), pick(4), pick(480), 480);
+                if (pick(4) == 0)
+                    time.SetMode(MCTime::TimeModeClock);
+                note->SetTime(&time);
+                measure->AddChild(note, 0);
+                if (pick(2))
+                    beam->AddChild(note, 0);
+            }
+            measure->AddChild(beam, 0);
+        }
+        const Bytes bytes = Save(doc.p);
+        Held loaded(Load(bytes));
+        std::map<ECBase *, ECBase *> pairs;
+        ExpectSameTree(doc.p, loaded.p, pairs);
+        ExpectSameParents(pairs);
+        ECConductor *loadedConductor = loaded.p->GetConductor();
+        ASSERT_NE(loadedConductor, nullptr);
+        EXPECT_EQ(loadedConductor->GetMaxTrackNumber(ECConductor::TrackStaff),
+                  conductor->GetMaxTrackNumber(ECConductor::TrackStaff));
+        EXPECT_EQ(loadedConductor->GetMemberEvent(1) != nullptr, chordStaff) << "the chord staff comes back";
+        EXPECT_EQ(Save(loaded.p), bytes) << "a loaded document saves to the same bytes";
+    }
+    MCCommandMgr::OnIdle();
 }
 
 // The header's version reaches the loaders: a version 0 time is a bare float,

@@ -313,6 +313,11 @@ void ECBase::PostSerialize(CArchive &)
 {
 }
 
+ECBase *ECBase::GetMemberEvent(int)
+{
+    return nullptr;
+}
+
 int ECBase::IsValid()
 {
     return 1;

@@ -151,6 +151,12 @@ public:
     virtual int RemoveChildren(int deep);
     // 0 here.
     virtual int RemoveFromChildren();
+    // The events this one holds by a member of its own, outside or beside its
+    // child list, by index from 0 without gaps; null past the last (at once
+    // here). A check
+    // that every loaded event belongs to the tree follows these as well as
+    // the children, since the record writes them.
+    virtual ECBase *GetMemberEvent(int index);
 
     // ---- Data attachments ----
 

@@ -523,6 +523,14 @@ ECMeterEnv *ECConductor::MeterEnv()
     return m_pConductorStaff ? m_pConductorStaff->GetMeterEnv() : nullptr;
 }
 
+ECBase *ECConductor::GetMemberEvent(int index)
+{
+    for (ECBase *held : {static_cast<ECBase *>(m_pConductorStaff), static_cast<ECBase *>(m_pChordStaff)})
+        if (held && index-- == 0)
+            return held;
+    return nullptr;
+}
+
 // ---- Archive ----
 
 void ECConductor::Serialize(CArchive &ar)
@@ -538,7 +546,7 @@ void ECConductor::Serialize(CArchive &ar)
     ar >> conductorStaff;
     Hold(m_pConductorStaff, conductorStaff);
     // Documents before version 19 have no chord staff; it is made at first use.
-    if (ActiveArchiveVersion() > 18)
+    if (ActiveArchiveVersion() >= ArchiveVersionChordStaff)
     {
         ECStaff *chordStaff = nullptr;
         ar >> chordStaff;

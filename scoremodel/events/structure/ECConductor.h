@@ -78,6 +78,9 @@ public:
     int GetEventId() const override;
     // ECPerformance.
     int GetParentTypes(CArray<int, int> &types) override;
+    // The conductor staff, then the chord staff, as the record writes them
+    // (the chord staff is in no child list), leaving out one not made.
+    ECBase *GetMemberEvent(int index) override;
 
     // After the base's call, a staff or wave track child reorders the tracks
     // (OrderTracks(0)).
