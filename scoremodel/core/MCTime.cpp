@@ -423,14 +423,13 @@ void MCTime::Serialize(CArchive &ar, int version)
         m_bpt = new BPTTime{GetInt32(raw), GetInt32(raw + 4), GetInt32(raw + 8), GetInt32(raw + 12)};
         m_mode = TimeModeBarPulseTick;
     }
-    else if (mode == TimeModeNormalized || mode == TimeModeClock)
+    else
     {
+        // SetMode labels a value with any byte and the record keeps it, so
+        // every mode but 2 reads back as a float under the mode it was saved with.
         float value;
         ar >> value;
         m_value = value;
         m_mode = mode;
     }
-    else
-        throw CArchiveException(CArchiveException::genericException,
-                                "time record with mode " + std::to_string(mode) + ", which no time can have");
 }
