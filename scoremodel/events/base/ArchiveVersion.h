@@ -7,11 +7,38 @@
 // source has no active document, the answer is 0x7FFFFFFF: every loader then
 // takes its newest branch, as for an object stored with no document active.
 //
-//     if (ActiveArchiveVersion() >= 3) ... // the layout of version 3 and later
+//     if (ActiveArchiveVersion() >= ArchiveVersionAttachmentSlots) ...
+//
+// Records are always written in the newest layout; a field added to a record
+// later is read only at or above the version that brought it, and the
+// constructor's default stands below. Each such version has a name here, so
+// a new record adds its own row and its own branch and nothing else changes.
 //
 // Threads: the source is installed once, at start. Only one document loads
 // at a time (the active performance is process-wide).
 #pragma once
+
+// The versions at which a record's layout changed.
+enum ArchiveVersionThreshold : int
+{
+    // MCTime (and the times of every record): a mode byte before the value.
+    ArchiveVersionTimeMode = 1,
+    // MCDataArray and DCBase: the attachment layout with slots; the conductor
+    // staff: its tempo and meter envelope references.
+    ArchiveVersionAttachmentSlots = 3,
+    // ECStaff: percussion fields, staff lines and staff size.
+    ArchiveVersionStaffLayout = 5,
+    // ECTurn: accidentals in place of the old turn type.
+    ArchiveVersionTurnAccidentals = 14,
+    // ECStaff: the staff sizes of today (8 and 9 were 32 and 33).
+    ArchiveVersionStaffSize = 16,
+    // ECConductor: the chord staff.
+    ArchiveVersionChordStaff = 19,
+    // ECConductorMeasure: the collapse value.
+    ArchiveVersionCollapse = 20,
+    // What this library writes.
+    ArchiveVersionCurrent = 20,
+};
 
 // The version of the document being loaded, or 0x7FFFFFFF.
 int ActiveArchiveVersion();

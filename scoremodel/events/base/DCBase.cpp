@@ -75,7 +75,7 @@ void DCBase::Serialize(CArchive &ar)
         return;
     }
 
-    if (ActiveArchiveVersion() >= 3)
+    if (ActiveArchiveVersion() >= ArchiveVersionAttachmentSlots)
     {
         LONG value = 0;
         LONG value2 = 0;

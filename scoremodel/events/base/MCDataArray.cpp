@@ -135,7 +135,7 @@ void MCDataArray::Serialize(CArchive &ar)
         return;
     }
 
-    if (ActiveArchiveVersion() >= 3)
+    if (ActiveArchiveVersion() >= ArchiveVersionAttachmentSlots)
     {
         BYTE count = 0;
         BYTE highest = 0;

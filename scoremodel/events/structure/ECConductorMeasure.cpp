@@ -67,7 +67,7 @@ void ECConductorMeasure::Serialize(CArchive &ar)
         DWORD maxTrack = 0;
         ar >> maxTrack;
         m_nMaxTrack = static_cast<int>(maxTrack);
-        if (ActiveArchiveVersion() >= 20)
+        if (ActiveArchiveVersion() >= ArchiveVersionCollapse)
         {
             BYTE collapse = 0;
             ar >> collapse;

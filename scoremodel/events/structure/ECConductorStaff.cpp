@@ -225,7 +225,7 @@ void ECConductorStaff::Serialize(CArchive &ar)
     m_nMaxStaffNumber = std::max(0, static_cast<int>(maxStaff));
     m_nMaxMeasure = std::max(-1, static_cast<int>(maxMeasure));
     m_maxMeasureEndTime.Serialize(ar, ActiveArchiveVersion());
-    if (ActiveArchiveVersion() >= 3)
+    if (ActiveArchiveVersion() >= ArchiveVersionAttachmentSlots)
         ar >> m_pTempoEnv >> m_pMeterEnv;
 }
 

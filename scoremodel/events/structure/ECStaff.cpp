@@ -77,7 +77,7 @@ void ECStaff::Serialize(CArchive &ar)
     BYTE spare = 0;
     ar >> spare;
     SetSpareByte(spare);
-    if (ActiveArchiveVersion() >= 5)
+    if (ActiveArchiveVersion() >= ArchiveVersionStaffLayout)
     {
         LONG lines = 0;
         ar >> m_percussionMap >> m_percussionPitch >> lines;
@@ -89,7 +89,7 @@ void ECStaff::Serialize(CArchive &ar)
 void ECStaff::PostSerialize(CArchive &ar)
 {
     ECTrack::PostSerialize(ar);
-    if (ar.IsLoading() && ActiveArchiveVersion() < 16)
+    if (ar.IsLoading() && ActiveArchiveVersion() < ArchiveVersionStaffSize)
     {
         if (m_staffSize == 8)
             m_staffSize = 32;
