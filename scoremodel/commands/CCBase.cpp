@@ -1,6 +1,7 @@
 #include <scoremodel/commands/CCBase.h>
 
 #include <scoremodel/commands/MCCommandMgr.h>
+#include <scoremodel/events/notes/ECMirror.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 
 IMPLEMENT_DYNCREATE(CCBase, CObject)
@@ -25,13 +26,14 @@ CCBase::EventList *MirrorsOf(ECBase *event)
     }
 }
 
-// A mirror lets go of the event it stands for, before it leaves the tree.
-void ReleaseMirrorSource(ECBase *mirror)
+// A mirror lets go of the event it stands for before it leaves the tree:
+// the mirror may live on in the undo history while its source dies, and a
+// link left behind would point at freed memory. The update flag also takes
+// the mirror off its source's list of mirrors.
+void ReleaseMirrorSource(ECBase *event)
 {
-    if (mirror->GetEventId() != EVENT_ID_MIRROR)
-        return;
-    // The mirror class joins the library with the signatures; nothing to do
-    // before it does.
+    if (event->GetEventId() == EVENT_ID_MIRROR)
+        static_cast<ECMirror *>(event)->SetMirrorEvent(nullptr, 1);
 }
 } // namespace
 

@@ -2,6 +2,8 @@
 // list that finds or makes commands by id.
 #include "CommandTestSupport.h"
 
+#include <scoremodel/events/notes/ECMirror.h>
+
 namespace
 {
 struct DiscardTree
@@ -69,6 +71,25 @@ TEST(CCBaseDiscard, ProcessDetachesParentsAndChildrenAndDropsTheList)
     EXPECT_EQ(t.doc->GetChildren()->Find(t.a), nullptr);
     EXPECT_EQ(t.a->GetRefCount(), 1);
     t.a->Unref(1);
+    cmd->Unref(1);
+}
+
+TEST(CCBaseDiscard, DiscardedMirrorLetsGoOfItsSourceBeforeTheSourceDies)
+{
+    DiscardTree t;
+    auto *mirror = static_cast<ECMirror *>(CreateEventW(EVENT_ID_MIRROR));
+    t.doc->AddChild(mirror, 0);
+    mirror->SetMirrorEvent(t.b, 1);
+    mirror->Ref(); // the undo history's hold
+    auto *cmd = new TestCommand(nullptr, "x");
+    cmd->Ref();
+    cmd->Discard(mirror);
+    cmd->Discard(t.b);
+    cmd->ProcessDiscardList();
+    // b has no holder left and is gone; the mirror must not point at it.
+    EXPECT_EQ(mirror->GetMirrorEvent(), nullptr);
+    EXPECT_TRUE(mirror->GetParents()->IsEmpty());
+    mirror->Unref(1);
     cmd->Unref(1);
 }
 
