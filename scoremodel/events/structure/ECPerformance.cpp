@@ -75,6 +75,20 @@ ECConductor *ECPerformance::GetConductor()
     return m_pConductor;
 }
 
+int ECPerformance::RemoveChild(ECBase *child, int deep)
+{
+    // Forgotten before the base runs: the conductor may die inside it.
+    if (child && child == m_pConductor)
+        m_pConductor = nullptr;
+    return ECWithTimeChild::RemoveChild(child, deep);
+}
+
+int ECPerformance::RemoveChildren(int deep)
+{
+    m_pConductor = nullptr;
+    return ECWithTimeChild::RemoveChildren(deep);
+}
+
 void ECPerformance::Serialize(CArchive &ar)
 {
     // The lock is held for the whole tree, and let go even when the archive

@@ -31,7 +31,7 @@
 // unguarded and belongs to the host's document thread.
 //
 // Archive record: exactly that of ECWithTimeChild. Loading also fills the
-// conductor cache.
+// conductor cache, which a host empties by taking the old tree down first.
 #pragma once
 
 #include <scoremodel/commands/MCCommandMgr.h>
@@ -77,8 +77,15 @@ public:
     // ---- Structure ----
 
     // The conductor: the cache, or on first use the first ECConductor among
-    // the descendants (kept from then on). Null while there is none.
+    // the descendants (kept until the conductor leaves the child list). Null
+    // while there is none.
     ECConductor *GetConductor();
+
+    // As ECWithChild's. Removing the conductor also forgets the cache, so a
+    // conductor added or loaded later is found and no command reaches the
+    // one that went.
+    int RemoveChild(ECBase *child, int deep) override;
+    int RemoveChildren(int deep) override;
 
     // ---- Lock ----
 
