@@ -158,3 +158,39 @@ TEST_F(Brackets, UndoLevelsAreClamped)
         EXPECT_EQ(MCCommandMgr::GetUndoLevels(), kept) << given;
     }
 }
+
+// ---- The trash ----
+
+TEST_F(Brackets, TrashedStepsKeepTheirCommandsUntilOnIdle)
+{
+    MCCommandMgr::OnIdle();
+    // Steps whose only holder is the history, unlike the fixture's commands.
+    auto step = [this](const wchar_t *name) {
+        CString undoName(name);
+        MCCommandMgr::BeginUndo(m_doc, undoName);
+        auto *cmd = new TestCommand(&m_log, "x");
+        cmd->SetSynchronous(1);
+        cmd->Apply(m_doc);
+        MCCommandMgr::EndUndo(m_doc);
+    };
+    MCCommandMgr::SetUndoLevels(2);
+    step(L"1");
+    step(L"2");
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    step(L"3"); // drops "2", the redo branch
+    step(L"4"); // pushes "1" past the limit
+    EXPECT_EQ(m_doc->GetUndoCount(), 2);
+    EXPECT_EQ(MCCommandMgr::GetTrashCount(), 2);
+    EXPECT_EQ(TestCommand::s_live, 4) << "a trashed step's command died before OnIdle";
+
+    MCCommandMgr::OnIdle();
+    EXPECT_EQ(MCCommandMgr::GetTrashCount(), 0);
+    EXPECT_EQ(TestCommand::s_live, 2) << "OnIdle left a trashed step's command alive";
+    MCCommandMgr::OnIdle();
+    EXPECT_EQ(TestCommand::s_live, 2) << "OnIdle reached the steps still in the history";
+
+    // ClearUndo deletes the history's own steps at once.
+    m_doc->ClearUndo();
+    EXPECT_EQ(TestCommand::s_live, 0);
+    EXPECT_EQ(MCCommandMgr::GetTrashCount(), 0);
+}
