@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <platform/CommonTestFolders.h>
 #include <platform/RecordingWindow.h>
 
 #include <string>
@@ -133,8 +134,12 @@ TEST_F(StateDelivery, RecordAppliedAfterTheWindowIsGoneIsDeleted)
 // state manager or SetGlobalHandler makes; these tests have no document.
 TEST(StateRecords, PreferencesRecordReadsUndoLevelsAndSelectionColour)
 {
+    // The preferences written here go to a folder of this test's own, never
+    // to the user's, however the test is started.
+    CommonTestFolders folders;
     MCStateMgr::SetGlobalHandler(nullptr, nullptr);
     const int levels = MCCommandMgr::GetUndoLevels();
+    const COLORREF color = SCSelection::GetColor();
     ASSERT_TRUE(SaveIntPreference(L"Settings", L"UndoLevels", 17));
     ASSERT_TRUE(SaveIntPreference(L"Settings\\Color", L"Selection", 0x123456));
     auto *other = new SCPrefs(1601);
@@ -148,9 +153,10 @@ TEST(StateRecords, PreferencesRecordReadsUndoLevelsAndSelectionColour)
     EXPECT_EQ(MCCommandMgr::GetUndoLevels(), 17);
     EXPECT_EQ(SCSelection::GetColor(), 0x123456u);
 
-    ASSERT_TRUE(SaveIntPreference(L"Settings", L"UndoLevels", 250));
-    ASSERT_TRUE(SaveIntPreference(L"Settings\\Color", L"Selection", 255));
+    EXPECT_EQ(MCGetPreferencesPath().ToUtf8().rfind(folders.Root().string(), 0), 0u)
+        << "the preferences went outside the test's folder";
     MCCommandMgr::SetUndoLevels(levels);
+    SCSelection::SetColor(color);
 }
 
 TEST(StateRecords, ModeRecordSetsTheModeBeforeHandlersSeeIt)
