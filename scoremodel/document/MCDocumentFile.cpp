@@ -92,11 +92,18 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
         ECBase *event;
         int member; // the next GetMemberEvent index, once the children are done
     };
+    // A check that fails part way leaves marks anywhere; one that passes
+    // clears them as it goes.
     struct Cleanup
     {
         const std::vector<CObject *> &loaded;
         ECBase *root;
-        ~Cleanup() { ClearMarks(loaded, root); }
+        bool cleared = false;
+        ~Cleanup()
+        {
+            if (!cleared)
+                ClearMarks(loaded, root);
+        }
     } cleanup{loaded, root};
 
     std::vector<Frame> stack;
@@ -133,26 +140,39 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
     }
 
     std::unordered_set<const CObject *> attached;
+    // One pass over what was loaded, since each visit of a large document's
+    // objects costs a cache miss: events are checked and their marks cleared,
+    // other objects kept for the attachment check.
+    std::vector<CObject *> others;
     for (CObject *object : loaded)
-        if (object && object->IsKindOf(RUNTIME_CLASS(ECBase)))
+    {
+        if (!object)
+            continue;
+        if (!object->IsKindOf(RUNTIME_CLASS(ECBase)))
         {
-            auto *event = static_cast<ECBase *>(object);
-            if (!(event->GetHitFlag() & kReached))
-                throw CArchiveException(CArchiveException::genericException,
-                                        std::string("a ") + event->GetRuntimeClass()->m_lpszClassName +
-                                            " outside the tree");
-            MCDataArray *data = event->GetData();
-            for (int i = 0; i < data->GetSize(); ++i)
-                if (DCBase *attachment = data->GetAt(i))
-                    attached.insert(attachment);
+            others.push_back(object);
+            continue;
         }
+        auto *event = static_cast<ECBase *>(object);
+        if (!(event->GetHitFlag() & kReached))
+            throw CArchiveException(CArchiveException::genericException,
+                                    std::string("a ") + event->GetRuntimeClass()->m_lpszClassName +
+                                        " outside the tree");
+        event->SetHit(0, 3);
+        MCDataArray *data = event->GetData();
+        for (int i = 0; i < data->GetSize(); ++i)
+            if (DCBase *attachment = data->GetAt(i))
+                attached.insert(attachment);
+    }
     // Records that come to own plain objects of their own will list their
     // classes here.
-    for (CObject *object : loaded)
-        if (object && !object->IsKindOf(RUNTIME_CLASS(ECBase)) && !attached.count(object))
+    for (CObject *object : others)
+        if (!attached.count(object))
             throw CArchiveException(CArchiveException::genericException,
                                     std::string("a ") + object->GetRuntimeClass()->m_lpszClassName +
                                         " that no event holds");
+    root->SetHit(0, 3);
+    cleanup.cleared = true;
 }
 
 // Releases a failed load: what the archive made and the performance.
