@@ -351,6 +351,22 @@ int MessageQueue::ProcessPending()
         // does not keep this call from returning.
         limit = m_posted.size();
     }
+    // The descriptor was reset above for everything queued. Should a procedure
+    // throw, what it leaves queued would otherwise go unannounced, and a host
+    // that polls would sleep on it for good.
+    struct SignalLeftoversOnThrow
+    {
+        MessageQueue *queue;
+        int exceptions = std::uncaught_exceptions();
+        ~SignalLeftoversOnThrow()
+        {
+            if (std::uncaught_exceptions() == exceptions)
+                return;
+            std::lock_guard<std::mutex> lock(queue->m_mutex);
+            if (!queue->m_posted.empty() || !queue->m_sent.empty())
+                queue->SignalLocked();
+        }
+    } signalLeftovers{this};
     size_t taken = 0;
     for (;;)
     {

@@ -123,8 +123,12 @@ TEST(MCMessageLoop, AnExceptionFromAProcedureLeavesTheRestQueued)
     PostMessageW(w.hWnd(), WM_USER, 0, 0);
     PostMessageW(w.hWnd(), WM_USER + 1, 0, 0);
     EXPECT_THROW(MCMessageLoop::ProcessPending(), std::runtime_error);
+    // A host that caught the exception goes back to poll; the message left
+    // behind must wake it, or it sleeps while work waits.
+    EXPECT_TRUE(WakeupReadable());
     EXPECT_EQ(MCMessageLoop::ProcessPending(), 1);
     EXPECT_EQ(w.Numbers(), std::vector<UINT>({WM_USER, WM_USER + 1}));
+    EXPECT_FALSE(WakeupReadable());
 }
 
 TEST(MCMessageLoop, RunForDeliversWhatAnotherThreadPostsWhileItWaits)
