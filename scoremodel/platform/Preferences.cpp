@@ -130,10 +130,13 @@ private:
 // old file untouched, on any failure.
 bool ReplaceFile(const std::string &path, const std::string &text, mode_t mode)
 {
-    // One name is enough: the folder lock admits one writer at a time, and a
-    // leftover of a crashed save is simply overwritten.
+    // One name is enough: the folder lock admits one writer at a time. A
+    // leftover of a crashed save is removed rather than reused, since a file
+    // that already exists keeps its own permissions and owner (and may even
+    // be a link elsewhere), and those would become the preferences file's.
     const std::string temporary = path + ".tmp";
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
+    ::unlink(temporary.c_str());
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (fd < 0)
         return false;
     if (!WriteAll(fd, text) || ::fsync(fd) != 0)

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <spawn.h>
 #include <string>
 #include <sys/stat.h>
@@ -166,6 +167,11 @@ TEST(Preferences, SavingKeepsThePermissionsTheUserGaveTheFile)
     CommonTestFolders folders;
     ASSERT_TRUE(SaveIntPreference(L"Settings", L"UndoLevels", 1));
     ASSERT_EQ(::chmod(PreferencesFile().c_str(), 0600), 0);
+    // A temporary file left open to everyone by a crashed save must not lend
+    // its permissions to the next one.
+    const std::string leftover = PreferencesFile() + ".tmp";
+    std::ofstream(leftover) << "[Settings]\n";
+    ASSERT_EQ(::chmod(leftover.c_str(), 0666), 0);
     ASSERT_TRUE(SaveIntPreference(L"Settings", L"UndoLevels", 2));
     struct stat st;
     ASSERT_EQ(::stat(PreferencesFile().c_str(), &st), 0);
