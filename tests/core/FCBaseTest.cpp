@@ -1,16 +1,25 @@
 #include <scoremodel/core/FCBool.h>
 #include <scoremodel/core/FCByte.h>
+#include <scoremodel/core/FCChar.h>
+#include <scoremodel/core/FCColor.h>
+#include <scoremodel/core/FCDWord.h>
 #include <scoremodel/core/FCFloat.h>
 #include <scoremodel/core/FCInt.h>
 #include <scoremodel/core/FCLong.h>
+#include <scoremodel/core/FCPoint.h>
 #include <scoremodel/core/FCRect.h>
+#include <scoremodel/core/FCSize.h>
 #include <scoremodel/core/FCTime.h>
 #include <scoremodel/core/FCWord.h>
 
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
+#include <limits>
 #include <memory>
+#include <type_traits>
+#include <vector>
 
 TEST(FCBase, DirtyAndOverrideAreIndependentAndSurviveValueChanges)
 {
@@ -110,4 +119,237 @@ TEST(FCBase, ComparisonsLookAtTheStoredValueOnly)
     FCTime copy(bpt);
     ASSERT_NE(copy.GetValue().GetBarPulseTick(), bpt.GetValue().GetBarPulseTick());
     EXPECT_TRUE(copy == bpt);
+}
+
+// ---- Every value member, by the value it wraps ------------------------------
+
+namespace
+{
+// Per member: distinct values that differ only a little (one coordinate, one
+// high bit), so that a member comparing or storing less than its whole value
+// shows; and, for the ordered members, a low and a high value whose order
+// would flip if the value were stored signed or narrowed.
+template <typename Field>
+struct Sample;
+
+// The platform's 32-bit coordinate limits.
+constexpr LONG kLongMin = std::numeric_limits<LONG>::min();
+constexpr LONG kLongMax = std::numeric_limits<LONG>::max();
+
+template <>
+struct Sample<FCChar>
+{
+    static std::vector<wchar_t> Distinct() { return {L'a', L'b', static_cast<wchar_t>(0x10061), WCHAR_MAX}; }
+    static wchar_t Low() { return L'z'; }
+    static wchar_t High() { return static_cast<wchar_t>(0x1F600); } // above 16 bits
+};
+template <>
+struct Sample<FCColor>
+{
+    static std::vector<unsigned long> Distinct() { return {0x00FF00, 0x01FF00, 0x8000FF00, ULONG_MAX}; }
+    static unsigned long Low() { return 0x00FFFFFF; }
+    static unsigned long High() { return 0xFF000000; } // negative if held as a signed 32-bit value
+};
+template <>
+struct Sample<FCDWord>
+{
+    static std::vector<unsigned long> Distinct() { return {1, 2, 0x80000001, ULONG_MAX}; }
+    static unsigned long Low() { return 5; }
+    static unsigned long High() { return ULONG_MAX; }
+};
+template <>
+struct Sample<FCFloat>
+{
+    static std::vector<float> Distinct() { return {0.5f, 0.5000001f, -0.5f, std::numeric_limits<float>::max()}; }
+    static float Low() { return -1.5f; }
+    static float High() { return 0.25f; } // a member that truncates to an integer sees these equal
+};
+template <>
+struct Sample<FCPoint>
+{
+    static std::vector<CPoint> Distinct() { return {CPoint(1, 2), CPoint(1, 3), CPoint(0, 2), CPoint(kLongMin, 2)}; }
+};
+template <>
+struct Sample<FCSize>
+{
+    static std::vector<CSize> Distinct() { return {CSize(4, 5), CSize(4, 6), CSize(3, 5), CSize(4, kLongMax)}; }
+};
+
+template <typename Field>
+using ValueOf = std::decay_t<decltype(std::declval<Field>().GetValue())>;
+
+template <typename Field>
+class FCValueField : public testing::Test
+{
+};
+using ValueFields = testing::Types<FCChar, FCColor, FCDWord, FCFloat, FCPoint, FCSize>;
+TYPED_TEST_SUITE(FCValueField, ValueFields);
+
+template <typename Field>
+class FCOrderedField : public testing::Test
+{
+};
+using OrderedFields = testing::Types<FCChar, FCColor, FCDWord, FCFloat>;
+TYPED_TEST_SUITE(FCOrderedField, OrderedFields);
+
+template <typename Field>
+class FCArithmeticField : public testing::Test
+{
+};
+using ArithmeticFields = testing::Types<FCChar, FCDWord, FCFloat, FCLong, FCWord>;
+TYPED_TEST_SUITE(FCArithmeticField, ArithmeticFields);
+} // namespace
+
+TYPED_TEST(FCValueField, HoldsItsWholeValueKeepsItsFlagsAndComparesTheValueOnly)
+{
+    using Field = TypeParam;
+    const Field fresh;
+    EXPECT_TRUE(fresh == ValueOf<Field>()) << "a new field holds the zero value";
+    EXPECT_FALSE(fresh.IsDirty() || fresh.IsOverride()) << "a new field is clean";
+
+    const auto values = Sample<Field>::Distinct();
+    for (size_t i = 0; i < values.size(); ++i)
+    {
+        SCOPED_TRACE("value " + std::to_string(i));
+        Field field;
+        field.SetDirty();
+        field.SetOverride();
+        field = values[i];
+        EXPECT_TRUE(field.IsDirty() && field.IsOverride()) << "assigning a value keeps the flags";
+        field.SetValue(values[i]);
+        EXPECT_TRUE(field.IsDirty() && field.IsOverride()) << "setting a value keeps the flags";
+        EXPECT_TRUE(field.GetValue() == values[i]);
+
+        Field copy(field), assigned;
+        assigned = field;
+        EXPECT_TRUE(copy.IsDirty() && copy.IsOverride() && assigned.IsDirty() && assigned.IsOverride())
+            << "a copy carries the flags";
+
+        const Field clean(values[i]);
+        EXPECT_TRUE(field == clean && !(field != clean)) << "flags do not count in a comparison";
+        EXPECT_TRUE(field == values[i] && !(field != values[i]));
+        for (size_t j = 0; j < values.size(); ++j)
+        {
+            if (j == i)
+                continue;
+            EXPECT_TRUE(field != Field(values[j]) && !(field == Field(values[j]))) << "against value " << j;
+            EXPECT_TRUE(field != values[j] && !(field == values[j])) << "against value " << j;
+        }
+    }
+}
+
+TYPED_TEST(FCOrderedField, OrdersByTheWrappedTypeAgainstFieldsAndValues)
+{
+    using Field = TypeParam;
+    using Value = ValueOf<Field>;
+    const Value low = Sample<Field>::Low(), high = Sample<Field>::High();
+    const std::pair<Value, Value> pairs[] = {{low, high}, {high, low}, {low, low}, {high, high}};
+    for (const auto &[x, y] : pairs)
+    {
+        Field a(x);
+        const Field b(y);
+        a.SetDirty(); // flags never take part
+        SCOPED_TRACE(std::string(x < y ? "low, high" : (x > y ? "high, low" : "equal")));
+        EXPECT_EQ(a < b, int(x < y));
+        EXPECT_EQ(a <= b, int(x <= y));
+        EXPECT_EQ(a > b, int(x > y));
+        EXPECT_EQ(a >= b, int(x >= y));
+        EXPECT_EQ(a < y, int(x < y));
+        EXPECT_EQ(a <= y, int(x <= y));
+        EXPECT_EQ(a > y, int(x > y));
+        EXPECT_EQ(a >= y, int(x >= y));
+    }
+}
+
+TYPED_TEST(FCArithmeticField, OperatorsComputeAsTheWrappedTypeAndKeepTheFlags)
+{
+    using Field = TypeParam;
+    using Value = ValueOf<Field>;
+    const Value a = Value(12), b = Value(5);
+    struct Row
+    {
+        const char *expression;
+        std::function<Value(Field &)> apply;
+        Value result; // what the expression yields
+        Value after;  // what the field holds afterwards
+    };
+    const Row rows[] = {
+        {"f + b", [&](Field &f) { return f + b; }, Value(a + b), a},
+        {"f - b", [&](Field &f) { return f - b; }, Value(a - b), a},
+        {"f * b", [&](Field &f) { return f * b; }, Value(a * b), a},
+        {"f / b", [&](Field &f) { return f / b; }, Value(a / b), a},
+        {"f + field", [&](Field &f) { return f + Field(b); }, Value(a + b), a},
+        {"f - field", [&](Field &f) { return f - Field(b); }, Value(a - b), a},
+        {"f * field", [&](Field &f) { return f * Field(b); }, Value(a * b), a},
+        {"f / field", [&](Field &f) { return f / Field(b); }, Value(a / b), a},
+        {"f += b", [&](Field &f) { return (f += b).GetValue(); }, Value(a + b), Value(a + b)},
+        {"f -= b", [&](Field &f) { return (f -= b).GetValue(); }, Value(a - b), Value(a - b)},
+        {"f *= b", [&](Field &f) { return (f *= b).GetValue(); }, Value(a * b), Value(a * b)},
+        {"f /= b", [&](Field &f) { return (f /= b).GetValue(); }, Value(a / b), Value(a / b)},
+        {"f += field", [&](Field &f) { return (f += Field(b)).GetValue(); }, Value(a + b), Value(a + b)},
+        {"f -= field", [&](Field &f) { return (f -= Field(b)).GetValue(); }, Value(a - b), Value(a - b)},
+        {"f *= field", [&](Field &f) { return (f *= Field(b)).GetValue(); }, Value(a * b), Value(a * b)},
+        {"f /= field", [&](Field &f) { return (f /= Field(b)).GetValue(); }, Value(a / b), Value(a / b)},
+        {"++f", [](Field &f) { return (++f).GetValue(); }, Value(a + 1), Value(a + 1)},
+        {"--f", [](Field &f) { return (--f).GetValue(); }, Value(a - 1), Value(a - 1)},
+        {"f++", [](Field &f) { return f++; }, a, Value(a + 1)},
+        {"f--", [](Field &f) { return f--; }, a, Value(a - 1)},
+    };
+    for (const Row &row : rows)
+    {
+        Field field(a);
+        field.SetOverride();
+        EXPECT_EQ(row.apply(field), row.result) << row.expression;
+        EXPECT_EQ(field.GetValue(), row.after) << row.expression;
+        EXPECT_TRUE(field.IsOverride() && !field.IsDirty()) << row.expression << " leaves the flags";
+    }
+    if constexpr (std::is_integral_v<Value>)
+    {
+        Field field(a);
+        EXPECT_EQ(field % b, Value(a % b));
+        EXPECT_EQ(field % Field(b), Value(a % b));
+        EXPECT_EQ((field %= Field(b)).GetValue(), Value(a % b));
+    }
+}
+
+TEST(FCPointAndSize, PointsAndSizesMoveAndMeasureTheRightWayRound)
+{
+    // The difference of two points is a size, a point moved by a size is a
+    // point: overloads on the POINT and SIZE bases that picked the other one
+    // would still compile.
+    static_assert(std::is_same_v<decltype(CPoint() - CPoint()), CSize>);
+    static_assert(std::is_same_v<decltype(CPoint() - CSize()), CPoint>);
+    static_assert(std::is_same_v<decltype(CPoint() + CSize()), CPoint>);
+    static_assert(std::is_same_v<decltype(CSize() + CPoint()), CPoint>);
+    struct Row
+    {
+        const char *expression;
+        POINT result, expected;
+    };
+    const CPoint p(10, -4), q(3, 7);
+    const CSize s(2, -6);
+    CPoint moved = p;
+    moved -= q;
+    CPoint shifted = p;
+    shifted -= s;
+    const Row rows[] = {
+        {"p - q", CPoint(p - q), {7, -11}},
+        {"p + s", p + s, {12, -10}},
+        {"p - s", p - s, {8, 2}},
+        {"s + p", s + p, {12, -10}},
+        {"s - p", s - p, {-8, -2}},
+        {"p -= q", moved, {7, -11}},
+        {"p -= s", shifted, {8, 2}},
+        {"-p", -p, {-10, 4}},
+        {"s - s", CPoint(s - CSize(5, 5)), {-3, -11}},
+        {"far + s wraps", CPoint(kLongMax, kLongMin) + CSize(1, -1), {kLongMin, kLongMax}},
+    };
+    for (const Row &row : rows)
+        EXPECT_TRUE(CPoint(row.result) == row.expected)
+            << row.expression << " gave " << row.result.x << "," << row.result.y;
+
+    FCPoint field(p);
+    field.SetDirty();
+    field = field.GetValue() + s;
+    EXPECT_TRUE(field == CPoint(12, -10) && field.IsDirty());
 }
