@@ -245,6 +245,33 @@ TEST(MCPitchToggleEnharmonic, EverySpellingOfEveryMidiPitchStepsToTheNextInItsCy
     }
 }
 
+TEST(MCPitchToggleEnharmonic, EveryStartComesBackAfterItsCycleLengthAndNotBefore)
+{
+    // Three steps for the pitch classes with a natural, two for the others; a
+    // spelling outside the cycles comes back to the one it first joins.
+    for (int midi = 0; midi < 128; ++midi)
+    {
+        for (int asked = -2; asked <= 2; ++asked)
+        {
+            MCPitch start = FromSetPitch(midi, asked);
+            if (start.GetAccidental() != asked)
+                continue;
+            SCOPED_TRACE("midi " + std::to_string(midi) + " from " + FullName(start));
+            if (kIntoCycle.count(SpellingName(start)) != 0)
+                start.ToggleEnharmonic();
+            const size_t length = kCycles[midi % 12].size();
+            MCPitch pitch = start;
+            for (size_t step = 1; step < length; ++step)
+            {
+                pitch.ToggleEnharmonic();
+                EXPECT_NE(FullName(pitch), FullName(start)) << "back after only " << step;
+            }
+            pitch.ToggleEnharmonic();
+            EXPECT_EQ(FullName(pitch), FullName(start)) << "after " << length;
+        }
+    }
+}
+
 TEST(MCPitchToggleEnharmonic, SpellingsOutsideTheCyclesJoinACycleOfTheirSound)
 {
     MCPitch unspelled = FromSetPitch(61, -2); // degree 7
