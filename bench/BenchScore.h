@@ -27,12 +27,13 @@ inline ECBase *MakeTimed(int id, float time)
     return e;
 }
 
-// A new score, held once by the caller; ReleaseTree takes it down.
-inline ECBase *BuildScore()
+// A new score of `staves` staves, held once by the caller; ReleaseTree takes
+// it down.
+inline ECBase *BuildScore(int staves = kStaves)
 {
     ECBase *root = MakeTimed(EVENT_ID_WITH_TIME_CHILD, 0.0f);
     root->Ref();
-    for (int s = 0; s < kStaves; ++s)
+    for (int s = 0; s < staves; ++s)
     {
         ECBase *staff = MakeTimed(EVENT_ID_STAFF, 0.0f);
         root->AddChild(staff, 0);

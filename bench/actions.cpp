@@ -1,10 +1,12 @@
 // Walk speed of the standard searches over a score of a million events.
 //
 // The tree: the shared score of BenchScore.h, 1,010,011 events of the real
-// staff, measure and note classes. Each benchmark reports events visited per
+// staff, measure and note classes, and the same score with one staff (101,002
+// events) for the scaling ratio. Each benchmark reports events visited per
 // second (DoAction calls), and the walks that find nothing report the heap
 // allocations they made per visited event, which must be zero: the walk
-// recurses over the lists in place.
+// recurses over the lists in place. The summary prints nanoseconds per
+// visited event at both sizes and their ratio; a flat walk gives about 1.
 //
 //   FindEvents/none      every event visited, nothing found: the bare walk
 //   FindEvents/measures  every event visited, 10,000 found
@@ -21,9 +23,13 @@
 #include <benchmark/benchmark.h>
 
 #include <atomic>
+#include <ctime>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <new>
+#include <string>
+#include <utility>
 
 // ---- Allocation counting (this program only) ----
 //
@@ -61,11 +67,26 @@ namespace
 {
 using namespace bench;
 
-ECBase *Score()
+ECBase *Score(int staves)
 {
-    static ECBase *root = BuildScore();
+    static std::map<int, ECBase *> scores;
+    ECBase *&root = scores[staves];
+    if (!root)
+        root = BuildScore(staves);
     return root;
 }
+
+// Processor time of this thread, so that other work on a busy machine does
+// not count.
+double ThreadSeconds()
+{
+    timespec ts;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
+// Nanoseconds per visited event, by benchmark name and staves.
+std::map<std::pair<std::string, int>, double> g_nsPerEvent;
 
 // Counts the events a search visits; the count costs one increment.
 template <class FIND>
@@ -84,18 +105,22 @@ public:
 // Runs a search built from `args`, configured by `configure`, once per
 // iteration over the whole score.
 template <class ACTION, class CONFIGURE, class... ARGS>
-void RunSearch(benchmark::State &state, CONFIGURE configure, ARGS... args)
+void RunSearch(benchmark::State &state, const char *name, CONFIGURE configure, ARGS... args)
 {
-    ECBase *root = Score();
+    const int staves = static_cast<int>(state.range(0));
+    ECBase *root = Score(staves);
     long long visited = 0;
     long long found = 0;
     long long allocs = 0;
+    double seconds = 0;
     for (auto _ : state)
     {
         ACTION find(args...);
         configure(find);
         long long before = g_allocations.load(std::memory_order_relaxed);
+        const double start = ThreadSeconds();
         find.Apply(root);
+        seconds += ThreadSeconds() - start;
         allocs += g_allocations.load(std::memory_order_relaxed) - before;
         visited += find.visited;
         found = find.GetEvents().GetCount();
@@ -105,6 +130,8 @@ void RunSearch(benchmark::State &state, CONFIGURE configure, ARGS... args)
     state.counters["visited"] = static_cast<double>(visited) / static_cast<double>(state.iterations());
     state.counters["found"] = static_cast<double>(found);
     state.counters["allocs_per_event"] = static_cast<double>(allocs) / static_cast<double>(visited);
+    if (visited > 0)
+        g_nsPerEvent[{name, staves}] = seconds * 1e9 / static_cast<double>(visited);
 }
 
 void NoConfig(ACBase &)
@@ -113,45 +140,54 @@ void NoConfig(ACBase &)
 
 void BM_FindEventsNone(benchmark::State &state)
 {
-    RunSearch<Counting<ACFindEvents>>(state, [](ACFindEvents &find) { find.AddEvtType(EVENT_ID_TEXT); }, 1);
+    RunSearch<Counting<ACFindEvents>>(state, "FindEvents/none", [](ACFindEvents &find) { find.AddEvtType(EVENT_ID_TEXT); }, 1);
 }
 
 void BM_FindEventsMeasures(benchmark::State &state)
 {
-    RunSearch<Counting<ACFindEvents>>(state, [](ACFindEvents &find) { find.AddEvtType(EVENT_ID_MEASURE); }, 1);
+    RunSearch<Counting<ACFindEvents>>(state, "FindEvents/measures", [](ACFindEvents &find) { find.AddEvtType(EVENT_ID_MEASURE); }, 1);
 }
 
 void BM_FindEventsAll(benchmark::State &state)
 {
-    RunSearch<Counting<ACFindEvents>>(state, NoConfig, 0);
+    RunSearch<Counting<ACFindEvents>>(state, "FindEvents/all", NoConfig, 0);
 }
 
 void BM_FindTimeWindow(benchmark::State &state)
 {
-    RunSearch<Counting<ACFindTime>>(state, NoConfig, MCTime(100.0f), MCTime(104.0f), int(ACRangeOpenEnd));
+    RunSearch<Counting<ACFindTime>>(state, "FindTime/window", NoConfig, MCTime(100.0f), MCTime(104.0f), int(ACRangeOpenEnd));
 }
 
 void BM_FindTimeNothing(benchmark::State &state)
 {
     MCTime end(kMeasures * kBeatsPerMeasure + 1.0f);
-    RunSearch<Counting<ACFindTime>>(state, NoConfig, end, end, int(ACRangeOpenEnd));
+    RunSearch<Counting<ACFindTime>>(state, "FindTime/nothing", NoConfig, end, end, int(ACRangeOpenEnd));
 }
 } // namespace
 
-BENCHMARK(BM_FindEventsNone)->Name("FindEvents/none")->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_FindEventsMeasures)->Name("FindEvents/measures")->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_FindEventsAll)->Name("FindEvents/all")->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_FindTimeWindow)->Name("FindTime/window")->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_FindTimeNothing)->Name("FindTime/nothing")->Unit(benchmark::kMillisecond);
+// The argument is the number of staves: 1 and 10.
+BENCHMARK(BM_FindEventsNone)->Name("FindEvents/none")->Arg(1)->Arg(kStaves)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FindEventsMeasures)->Name("FindEvents/measures")->Arg(1)->Arg(kStaves)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FindEventsAll)->Name("FindEvents/all")->Arg(1)->Arg(kStaves)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FindTimeWindow)->Name("FindTime/window")->Arg(1)->Arg(kStaves)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_FindTimeNothing)->Name("FindTime/nothing")->Arg(1)->Arg(kStaves)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
-    Score();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::printf("events_per_s is DoAction calls per second; allocs_per_event must be 0 where nothing is found.\n");
+    std::printf("\n%-20s %14s %14s %7s\n", "walk", "ns/event 1 st", "ns/event 10 st", "ratio");
+    for (const auto &[key, small] : g_nsPerEvent)
+    {
+        if (key.second != 1)
+            continue;
+        auto large = g_nsPerEvent.find({key.first, kStaves});
+        if (large != g_nsPerEvent.end())
+            std::printf("%-20s %14.2f %14.2f %7.2f\n", key.first.c_str(), small, large->second, large->second / small);
+    }
     return 0;
 }
