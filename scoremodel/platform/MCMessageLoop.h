@@ -32,7 +32,8 @@ public:
     // posted while it runs wait for the next call, so a procedure that posts
     // to itself cannot keep it from returning. Messages of destroyed windows
     // are dropped and not counted. Never blocks.
-    // An exception from a procedure leaves here; what is still queued stays queued.
+    // An exception from a procedure leaves here; what is still queued stays
+    // queued, and the wake-up descriptor stays readable for it.
     static int ProcessPending();
 
     // Pumps for ms milliseconds: delivers as ProcessPending does, sleeps until
