@@ -12,5 +12,17 @@ int main()
         return 1;
     }
     std::printf("consumer sees %s\n", pClass->m_lpszClassName);
+
+    // Run with no data folder named in the environment, the library must find
+    // the language files it was installed with, beside itself. A host that
+    // only installed the package would otherwise show empty texts everywhere.
+    CString largo = MCLanguageManager::GetText(L"DataModel", L"IDS_DM_TEMPO_LARGO");
+    if (largo != L"Largo")
+    {
+        std::fprintf(stderr, "no English text from the data folder '%s' (got '%s')\n",
+                     MCGetDataFolder().ToUtf8().c_str(), largo.ToUtf8().c_str());
+        return 1;
+    }
+    std::printf("consumer reads '%s' from %s\n", largo.ToUtf8().c_str(), MCGetDataFolder().ToUtf8().c_str());
     return 0;
 }
