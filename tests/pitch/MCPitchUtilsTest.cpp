@@ -343,6 +343,7 @@ TEST(MCPitchUtilsFromInterval, RoundTripReturnsEveryPairExceptWhereAQualityOrDir
             else if (steps == 1 && a.GetAccidental() == 2 && (a.GetDegree() == 2 || a.GetDegree() == 6))
             {
                 ++doubleSharpSecond;
+                // b's letter and octave with one sharp fewer: F## gives F#, F# gives F.
                 EXPECT_EQ(FullName(result), FullName(Spelled(SpellingName(b).substr(0, 1) +
                                                               (b.GetAccidental() == 2 ? "#" : "") +
                                                               std::to_string(b.GetOctave() - 1))));
