@@ -2,8 +2,8 @@
 // tree: they must land in the new conductor, never in the one that went.
 #include "CommandTestSupport.h"
 
-#include <scoremodel/actions/ACPostSerialize.h>
 #include <scoremodel/commands/CCAddTrack.h>
+#include <scoremodel/document/MCDocumentFile.h>
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/platform/CArchive.h>
@@ -19,7 +19,15 @@ TEST_F(ConductorCache, CommandsReachTheConductorThatReplacedARemovedOne)
     const std::pair<const char *, std::function<void(ECPerformance *)>> removals[] = {
         {"RemoveChildren", [](ECPerformance *doc) { doc->RemoveChildren(1); }},
         {"RemoveChild", [](ECPerformance *doc) { doc->RemoveChild(doc->GetConductor(), 1); }},
-        {"RemoveFromParents", [](ECPerformance *doc) { doc->GetConductor()->RemoveFromParents(); }},
+        // The conductor leaves by itself, then its subtree is taken down.
+        {"RemoveFromParents",
+         [](ECPerformance *doc) {
+             ECConductor *conductor = doc->GetConductor();
+             conductor->Ref();
+             conductor->RemoveFromParents();
+             conductor->RemoveChildren(1);
+             conductor->Unref(1);
+         }},
     };
     for (const auto &[how, remove] : removals)
     {
@@ -42,8 +50,7 @@ TEST_F(ConductorCache, CommandsReachTheConductorThatReplacedARemovedOne)
 
 TEST_F(ConductorCache, LoadingIntoTheDocumentFindsTheLoadedConductor)
 {
-    // Another document's tree with two staves, stored as a host stores it,
-    // both sections.
+    // Another document's tree with two staves, stored as a host stores it.
     CMemFile mem;
     {
         auto *source = new ECPerformance;
@@ -52,9 +59,7 @@ TEST_F(ConductorCache, LoadingIntoTheDocumentFindsTheLoadedConductor)
         ASSERT_NE(CCAddTrack::AddNow(source, new ECStaff, -1), nullptr);
         ASSERT_NE(CCAddTrack::AddNow(source, new ECStaff, -1), nullptr);
         CArchive ar(&mem, CArchive::store);
-        source->Serialize(ar);
-        ACPostSerialize post(ar);
-        post.Apply(source);
+        MCDocumentFile::StoreArchive(ar, source);
         ar.Close();
         source->RemoveChildren(1);
         source->Unref(1);
@@ -66,16 +71,11 @@ TEST_F(ConductorCache, LoadingIntoTheDocumentFindsTheLoadedConductor)
     old->Ref();
     m_doc->RemoveChildren(1);
     mem.SeekToBegin();
-    m_doc->SetVersion(ArchiveVersionCurrent);
-    ECPerformance *previous = ECPerformance::SetActivePerformance(m_doc);
     {
         CArchive ar(&mem, CArchive::load);
-        m_doc->Serialize(ar);
-        ACPostSerialize post(ar);
-        post.Apply(m_doc);
+        MCDocumentFile::LoadArchive(ar, m_doc, ArchiveVersionCurrent);
         ar.Close();
     }
-    ECPerformance::SetActivePerformance(previous);
 
     ECConductor *loaded = m_doc->GetConductor();
     old->Unref(1);
