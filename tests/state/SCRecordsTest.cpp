@@ -1,17 +1,11 @@
-// Each state record gives back through its getters what its setters stored;
-// a view that reads a record sees what the model wrote into it.
+// State records: the code word keeps its flags, and a selection record's
+// lists and its Apply mark what a view will read.
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/state/MCStateMgr.h>
-#include <scoremodel/state/SCEdit.h>
-#include <scoremodel/state/SCFile.h>
-#include <scoremodel/state/SCPiano.h>
 #include <scoremodel/state/SCSelection.h>
-#include <scoremodel/state/SCStatus.h>
-#include <scoremodel/state/SCTime.h>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <vector>
 
 namespace
@@ -65,115 +59,6 @@ TEST(StateRecordAccessors, CodeKeepsTwentyFourBitsAndLeavesTheFlagsAlone)
         set.SetSynchronous(0);
         set.SetAutoDelete(1);
         EXPECT_EQ(set.GetCode(), kept) << "the flags spilled into the code";
-    }
-}
-
-TEST(StateRecordAccessors, EachRecordReturnsWhatItsSettersStored)
-{
-    const std::pair<const char *, std::function<void()>> records[] = {
-        {"SCBase",
-         [] {
-             SCBase r(7);
-             EXPECT_EQ(r.IsAutoDelete(), 1);
-             EXPECT_EQ(r.IsSynchronous(), 0);
-             EXPECT_EQ(r.GetTarget(), nullptr);
-             auto *doc = reinterpret_cast<ECPerformance *>(&r);
-             for (int page : {-1, 0, 3, 0x7FFFFFFF})
-             {
-                 r.SetPage(page);
-                 EXPECT_EQ(r.GetPage(), page);
-             }
-             r.SetTarget(doc);
-             EXPECT_EQ(r.GetTarget(), doc);
-             EXPECT_EQ(r.GetCode(), 7u);
-         }},
-        {"SCEdit",
-         [] {
-             SCEdit r(3);
-             for (unsigned char pitch : {0, 60, 127, 255})
-             {
-                 r.SetPitch(pitch);
-                 EXPECT_EQ(r.GetPitch(), pitch);
-             }
-             EXPECT_EQ(r.GetCode(), 3u);
-         }},
-        {"SCFile",
-         [] {
-             SCFile r;
-             HeldEvents e(1);
-             r.SetDocument(e[0]);
-             EXPECT_EQ(r.GetDocument(), e[0]);
-             r.SetDocument(nullptr);
-             EXPECT_EQ(r.GetDocument(), nullptr);
-         }},
-        {"SCPiano",
-         [] {
-             SCPiano r;
-             for (unsigned char pitch : {64, 60, 67})
-                 r.AddPitchOn(pitch);
-             r.AddPitchOff(60);
-             ASSERT_EQ(r.GetPitchesOn().GetSize(), 3);
-             EXPECT_EQ(r.GetPitchesOn()[0], 64);
-             EXPECT_EQ(r.GetPitchesOn()[2], 67);
-             ASSERT_EQ(r.GetPitchesOff().GetSize(), 1);
-             EXPECT_EQ(r.GetPitchesOff()[0], 60);
-             r.SetLabels(2);
-             EXPECT_EQ(r.GetLabels(), 2);
-         }},
-        {"SCStatus",
-         [] {
-             SCStatus r;
-             CString text(L"Saving \u00e9t\u00e9");
-             r.SetMessage(text);
-             EXPECT_EQ(r.GetMessageW(), text);
-             EXPECT_EQ(r.GetMessageId(), 0u);
-             r.SetMessage(4711u);
-             EXPECT_EQ(r.GetMessageId(), 4711u);
-             EXPECT_TRUE(r.GetMessageW().IsEmpty()) << "the older text still shows";
-             r.SetMessage(text);
-             EXPECT_EQ(r.GetMessageId(), 0u) << "the older resource still shows";
-             r.SetProgressRange(200);
-             r.SetProgressStep(150);
-             EXPECT_EQ(r.GetProgressRange(), 200);
-             EXPECT_EQ(r.GetProgressStep(), 150);
-         }},
-        {"SCTime",
-         [] {
-             SCTime r;
-             EXPECT_TRUE(r.GetTime() == MCTime::TimeNull());
-             const MCTime times[] = {MCTime(2.5f), MCTime(3, 2, 120, 480), MCTime::TimeZero()};
-             for (const MCTime &t : times)
-             {
-                 r.SetTime(t);
-                 EXPECT_TRUE(r.GetTime() == t);
-             }
-             r.SetLeadIn(2, 3);
-             EXPECT_EQ(r.GetLeadInMeasure(), 2);
-             EXPECT_EQ(r.GetLeadInPulse(), 3);
-         }},
-        {"SCSelection flags",
-         [] {
-             SCSelection r;
-             r.SetDynamic(1);
-             r.SetAutoScroll(1);
-             auto *wnd = reinterpret_cast<HWND>(&r);
-             r.SetFocusWnd(wnd);
-             EXPECT_EQ(r.IsDynamic(), 1);
-             EXPECT_EQ(r.GetAutoScroll(), 1);
-             EXPECT_EQ(r.GetFocusWnd(), wnd);
-             EXPECT_EQ(r.IsUpdateSelection(), 0);
-             r.UpdateSelection();
-             EXPECT_EQ(r.IsUpdateSelection(), 1);
-             const COLORREF color = SCSelection::GetColor();
-             SCSelection::SetColor(0x00AABBCC);
-             EXPECT_EQ(SCSelection::GetColor(), 0x00AABBCCu);
-             SCSelection::SetColor(color);
-         }},
-    };
-    for (const auto &[name, check] : records)
-    {
-        SCOPED_TRACE(name);
-        check();
     }
 }
 
