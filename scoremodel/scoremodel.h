@@ -57,6 +57,7 @@
 #include <scoremodel/events/base/MCEventList.h>
 #include <scoremodel/events/base/MCEventWalk.h>
 #include <scoremodel/events/base/MCFuncList.h>
+#include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/events/base/MCObList.h>
 #include <scoremodel/events/base/MCPtrList.h>
 #include <scoremodel/events/base/MCVoiceTrack.h>

@@ -155,6 +155,7 @@ int ACBase::Apply(ECBase *e)
         for (POSITION pos = list->GetHeadPosition(); pos;)
         {
             ECBase *child = list->GetNext(pos);
+            EventList::PrefetchAhead(pos);
             int childResult = Apply(child);
             if (childResult == ResultFailed || childResult == ResultStop)
             {

@@ -64,88 +64,38 @@ private:
     ECPerformance *m_previous;
 };
 
-// Marks of the tree check, in the hit word of each event. A loaded tree has
-// no hit marks (they are never stored), and the check leaves none.
-constexpr DWORD kOnPath = 0x40000000;
-constexpr DWORD kReached = 0x80000000;
-
-void ClearMarks(const std::vector<CObject *> &loaded, ECBase *root)
-{
-    // Clearing with the mask 3 empties the whole word (see ECBase::SetHit).
-    root->SetHit(0, 3);
-    for (CObject *object : loaded)
-        if (object && object->IsKindOf(RUNTIME_CLASS(ECBase)))
-            static_cast<ECBase *>(object)->SetHit(0, 3);
-}
-
-// Every event the archive made must hang below the root, through child
-// lists and the events held by members (GetMemberEvent) without a cycle, and
-// every other object must be an attachment of one of them: anything else
-// would outlive the document (nothing holds it) or make walks and releases go
-// round for ever.
+// Every event the archive made must hang below the root, and every other
+// object must be an attachment of one of them: anything else would outlive
+// the document (nothing holds it). The records refuse any link that would
+// close a cycle while they are read (ECBase::CheckHeldWhileLoading), so an
+// event with a parent, or held by a member of another, leads up to the root
+// through its parents and holders; an event with neither does not. One pass
+// over what was loaded, in the order it was made, which is close to the
+// order of its memory.
 void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
 {
-    struct Frame
-    {
-        ECBase::EventList *children;
-        POSITION pos;
-        ECBase *event;
-        int member; // the next GetMemberEvent index, once the children are done
+    auto refuse = [](const CObject *object, const char *problem) {
+        throw CArchiveException(CArchiveException::genericException,
+                                std::string("a ") + object->GetRuntimeClass()->m_lpszClassName + problem);
     };
-    // A check that fails part way leaves marks anywhere; one that passes
-    // clears them as it goes.
-    struct Cleanup
-    {
-        const std::vector<CObject *> &loaded;
-        ECBase *root;
-        bool cleared = false;
-        ~Cleanup()
-        {
-            if (!cleared)
-                ClearMarks(loaded, root);
-        }
-    } cleanup{loaded, root};
+    if (!root->GetParents()->IsEmpty())
+        refuse(root, " is among its own descendants");
 
-    std::vector<Frame> stack;
-    auto enter = [&stack](ECBase *event) {
-        event->SetHit(1, kOnPath);
-        ECBase::EventList *children = event->GetChildren();
-        stack.push_back(Frame{children, children ? children->GetHeadPosition() : nullptr, event, 0});
-    };
-    enter(root);
-    while (!stack.empty())
-    {
-        Frame &top = stack.back();
-        ECBase *child = nullptr;
-        if (top.pos)
-            child = top.children->GetNext(top.pos);
-        else if (top.member >= 0 && !(child = top.event->GetMemberEvent(top.member++)))
-            top.member = -1;
-        if (top.member < 0)
-        {
-            top.event->SetHit(0, 3);
-            top.event->SetHit(1, kReached);
-            stack.pop_back();
-            continue;
-        }
-        if (!child)
-            continue;
-        const unsigned marks = child->GetHitFlag();
-        if (marks & kOnPath)
-            throw CArchiveException(CArchiveException::genericException,
-                                    std::string("a ") + child->GetRuntimeClass()->m_lpszClassName +
-                                        " is among its own descendants");
-        if (!(marks & kReached))
-            enter(child);
-    }
-
-    std::unordered_set<const CObject *> attached;
-    // One pass over what was loaded, since each visit of a large document's
-    // objects costs a cache miss: events are checked and their marks cleared,
-    // other objects kept for the attachment check.
+    std::vector<ECBase *> orphans; // no parent: held by a member, or outside the tree
+    std::unordered_set<const CObject *> members;
     std::vector<CObject *> others;
-    for (CObject *object : loaded)
+    std::unordered_set<const CObject *> attached;
+    auto addMembers = [&members](ECBase *event) {
+        for (int i = 0; ECBase *member = event->GetMemberEvent(i); ++i)
+            members.insert(member);
+    };
+    addMembers(root);
+    constexpr size_t kAhead = 16; // objects whose memory is fetched ahead of the check
+    for (size_t i = 0; i < loaded.size(); ++i)
     {
+        if (i + kAhead < loaded.size())
+            __builtin_prefetch(loaded[i + kAhead]);
+        CObject *object = loaded[i];
         if (!object)
             continue;
         if (!object->IsKindOf(RUNTIME_CLASS(ECBase)))
@@ -154,25 +104,22 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
             continue;
         }
         auto *event = static_cast<ECBase *>(object);
-        if (!(event->GetHitFlag() & kReached))
-            throw CArchiveException(CArchiveException::genericException,
-                                    std::string("a ") + event->GetRuntimeClass()->m_lpszClassName +
-                                        " outside the tree");
-        event->SetHit(0, 3);
+        if (event->GetParents()->IsEmpty())
+            orphans.push_back(event);
+        addMembers(event);
         MCDataArray *data = event->GetData();
         for (int i = 0; i < data->GetSize(); ++i)
             if (DCBase *attachment = data->GetAt(i))
                 attached.insert(attachment);
     }
+    for (ECBase *event : orphans)
+        if (!members.count(event))
+            refuse(event, " outside the tree");
     // Records that come to own plain objects of their own will list their
     // classes here.
     for (CObject *object : others)
         if (!attached.count(object))
-            throw CArchiveException(CArchiveException::genericException,
-                                    std::string("a ") + object->GetRuntimeClass()->m_lpszClassName +
-                                        " that no event holds");
-    root->SetHit(0, 3);
-    cleanup.cleared = true;
+            refuse(object, " that no event holds");
 }
 
 // Releases a failed load: what the archive made and the performance.

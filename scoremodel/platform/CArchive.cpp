@@ -774,7 +774,7 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested)
         return pOb;
     }
 
-    if (m_nDepth >= m_nMaxDepth)
+    if (m_loading.size() >= m_nMaxDepth)
         throw CArchiveException(CArchiveException::genericException, "objects nested too deeply");
     CheckCount();
     // Room first, so that an object once made is always in both lists.
@@ -791,9 +791,19 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested)
     ++m_nMapCount;
 
     ValueScope<UINT> schema(m_nObjectSchema, nSchema);
-    ValueScope<UINT> depth(m_nDepth, m_nDepth + 1);
+    m_loading.push_back(pOb);
+    struct Leave
+    {
+        std::vector<const CObject *> &loading;
+        ~Leave() { loading.pop_back(); }
+    } leave{m_loading};
     pOb->Serialize(*this);
     return pOb;
+}
+
+BOOL CArchive::IsLoadingObject(const CObject *pOb) const
+{
+    return pOb && std::find(m_loading.rbegin(), m_loading.rend(), pOb) != m_loading.rend();
 }
 
 void CArchive::ForgetLoadedObjects(size_t nFirst)

@@ -276,6 +276,11 @@ public:
     // later references to them read as null instead of leading to freed
     // memory.
     void ForgetLoadedObjects(size_t nFirst);
+    // Loading: whether pOb is an object ReadObject made whose Serialize is
+    // still running, so that a reference to it read now comes from inside
+    // its own record. Cheap: it looks only at the objects being read, one
+    // per level of nesting.
+    BOOL IsLoadingObject(const CObject *pOb) const;
 
     // The deepest nesting of objects a load accepts (each ReadObject of a new
     // object inside another's Serialize is one level).
@@ -386,7 +391,8 @@ private:
     std::vector<LoadEntry> m_loadArray;
     std::vector<CObject *> m_loadedObjects;
     UINT m_nObjectSchema = (UINT)-1;
-    UINT m_nDepth = 0;
+    // Loading: the objects whose Serialize is running, outermost first.
+    std::vector<const CObject *> m_loading;
     UINT m_nMaxDepth = nDefaultMaxObjectDepth;
 };
 

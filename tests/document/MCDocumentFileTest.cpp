@@ -435,15 +435,26 @@ TEST_F(MCDocumentFileTest, TreesThatAreNoTreesAreRejectedAndReleased)
                                    << WORD(0) << BYTE(0) << 1.0f << WORD(0) << BYTE(0) << 0.0f << WORD(0);
                             }),
                    "TestLeaf outside the tree");
-    // A container whose child is the performance.
-    ExpectRejected(Document(20,
-                            [](CArchive &ar) {
-                                ar << BYTE(0x02) << WORD(1);
-                                NewClass(ar, "TestNode");
-                                ar << BYTE(0x02) << WORD(1) << WORD(1) << BYTE(0) << 1.0f << WORD(0) << BYTE(0)
-                                   << 0.0f << WORD(0);
-                            }),
-                   "among its own descendants");
+    // Cycles: a container whose child is the performance (object 1), itself
+    // (object 3), or its parent (a second container, object 4, holding 3).
+    const auto cycle = [](std::function<void(CArchive &)> container) {
+        return [container](CArchive &ar) {
+            ar << BYTE(0x02) << WORD(1);
+            NewClass(ar, "TestNode");
+            container(ar);
+            ar << BYTE(0) << 1.0f << WORD(0) << BYTE(0) << 0.0f << WORD(0);
+        };
+    };
+    const std::function<void(CArchive &)> containers[] = {
+        [](CArchive &ar) { ar << BYTE(0x02) << WORD(1) << WORD(1); },
+        [](CArchive &ar) { ar << BYTE(0x02) << WORD(1) << WORD(3); },
+        [](CArchive &ar) {
+            ar << BYTE(0x02) << WORD(1) << WORD(0x8002) << BYTE(0x02) << WORD(1) << WORD(3) << BYTE(0) << 1.0f
+               << WORD(0);
+        },
+    };
+    for (const auto &container : containers)
+        ExpectRejected(Document(20, cycle(container)), "among its own descendants");
 }
 
 // The invalid frame dies at once; a later reference to it reads as nothing.

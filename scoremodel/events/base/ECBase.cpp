@@ -348,6 +348,14 @@ void ECBase::Serialize(CArchive &ar)
     m_flags = static_cast<BYTE>(m_flags & ~FlagSelection);
 }
 
+void ECBase::CheckHeldWhileLoading(CArchive &ar, const ECBase *event)
+{
+    if (ar.IsLoadingObject(event))
+        throw CArchiveException(CArchiveException::genericException,
+                                std::string("a ") + event->GetRuntimeClass()->m_lpszClassName +
+                                    " is among its own descendants");
+}
+
 void ECBase::ReleaseLoadedObjects(const std::vector<CObject *> &objects)
 {
     std::vector<ECBase *> events;

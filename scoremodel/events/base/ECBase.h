@@ -204,6 +204,11 @@ public:
     // something else holds survives, with no link into the released ones.
     // Objects listed twice are released once.
     static void ReleaseLoadedObjects(const std::vector<CObject *> &objects);
+    // Loading: refuses (CArchiveException) to hold `event` as a child or a
+    // member when its own record is still being read, since it would become
+    // its own descendant. Every link that a record makes while it is read
+    // passes here, so a loaded tree has no cycle by construction.
+    static void CheckHeldWhileLoading(CArchive &ar, const ECBase *event);
 
     ECBase &operator=(const ECBase &other);
     // Identity.

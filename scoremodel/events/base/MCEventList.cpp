@@ -190,8 +190,11 @@ void MCEventList::SerializeFromParent(CArchive &ar, ECBase *parent)
             }
             continue;
         }
+        ECBase::CheckHeldWhileLoading(ar, event);
         // A list node holds a reference: an event nobody holds is not here.
-        if (event->GetRefCount() > 0 && Contains(event))
+        // With a parent, the event's own short parent list answers first, so
+        // that a long list is searched only for a real double.
+        if (event->GetRefCount() > 0 && (!parent || event->GetParents()->Contains(parent)) && Contains(event))
             continue;
         AddTail(event);
         if (parent)

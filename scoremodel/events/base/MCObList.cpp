@@ -1,5 +1,6 @@
 #include <scoremodel/events/base/MCObList.h>
 
+#include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/platform/CArchive.h>
 
 #include <cstdint>
@@ -239,9 +240,11 @@ void MCObList::DropIndex() const
 
 // ---- Node hooks ----
 
+static_assert(sizeof(MCObList::Node) == MCNodePool::kBlockSize);
+
 MCObList::Node *MCObList::NewNode(Node *pPrev, Node *pNext, CObject *element)
 {
-    Node *node = new Node{element, pPrev, pNext};
+    Node *node = new (MCNodePool::Allocate()) Node{element, pPrev, pNext};
     ++m_nCount;
     if (MembershipIndex *index = IndexOf(m_hIndex))
     {
@@ -265,7 +268,7 @@ void MCObList::FreeNode(Node *pNode)
         if (m_nCount - 1 < kIndexThreshold / 4)
             DropIndex();
     }
-    delete pNode;
+    MCNodePool::Free(pNode);
     --m_nCount;
 }
 
@@ -300,24 +303,6 @@ void MCObList::Unlink(Node *pNode)
 
 // ---- Walking ----
 
-CObject *MCObList::GetNext(POSITION &pos) const
-{
-    Node *node = AsNode(pos);
-    if (!node)
-        return nullptr;
-    pos = AsPosition(node->pNext);
-    return node->data;
-}
-
-CObject *MCObList::GetPrev(POSITION &pos) const
-{
-    Node *node = AsNode(pos);
-    if (!node)
-        return nullptr;
-    pos = AsPosition(node->pPrev);
-    return node->data;
-}
-
 CObject *MCObList::GetNext(POSITION &pos, CRuntimeClass *pClass) const
 {
     while (pos)
@@ -338,12 +323,6 @@ CObject *MCObList::GetPrev(POSITION &pos, CRuntimeClass *pClass) const
             return element;
     }
     return nullptr;
-}
-
-CObject *MCObList::GetAt(POSITION pos) const
-{
-    Node *node = AsNode(pos);
-    return node ? node->data : nullptr;
 }
 
 // ---- Adding ----

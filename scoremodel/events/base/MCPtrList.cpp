@@ -1,5 +1,7 @@
 #include <scoremodel/events/base/MCPtrList.h>
 
+#include <scoremodel/events/base/MCNodePool.h>
+
 #include <new>
 
 namespace
@@ -24,17 +26,26 @@ MCPtrList::~MCPtrList()
     RemoveAll();
 }
 
+static_assert(sizeof(MCPtrList::Node) == MCNodePool::kBlockSize);
+
 MCPtrList::Node *MCPtrList::NewNode(Node *pPrev, Node *pNext, void *element)
 {
-    Node *node = new (std::nothrow) Node{element, pPrev, pNext};
-    if (node)
-        ++m_nCount;
-    return node;
+    void *block = nullptr;
+    try
+    {
+        block = MCNodePool::Allocate();
+    }
+    catch (const std::bad_alloc &)
+    {
+        return nullptr;
+    }
+    ++m_nCount;
+    return new (block) Node{element, pPrev, pNext};
 }
 
 void MCPtrList::FreeNode(Node *pNode)
 {
-    delete pNode;
+    MCNodePool::Free(pNode);
     if (m_nCount > 0)
         --m_nCount;
 }

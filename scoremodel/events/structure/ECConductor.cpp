@@ -544,12 +544,14 @@ void ECConductor::Serialize(CArchive &ar)
     }
     ECConductorStaff *conductorStaff = nullptr;
     ar >> conductorStaff;
+    CheckHeldWhileLoading(ar, conductorStaff);
     Hold(m_pConductorStaff, conductorStaff);
     // Documents before version 19 have no chord staff; it is made at first use.
     if (ActiveArchiveVersion() >= ArchiveVersionChordStaff)
     {
         ECStaff *chordStaff = nullptr;
         ar >> chordStaff;
+        CheckHeldWhileLoading(ar, chordStaff);
         Hold(m_pChordStaff, chordStaff);
     }
     BuildWaveTrackArray();
