@@ -23,6 +23,7 @@
 #include <scoremodel/events/base/ECWithTime.h>
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/base/MCEventList.h>
+#include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/events/notes/ECBeam.h>
 #include <scoremodel/events/notes/ECChord.h>
 #include <scoremodel/events/notes/ECNote.h>
@@ -39,6 +40,7 @@
 #include <malloc.h>
 #include <map>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace
@@ -176,10 +178,35 @@ private:
     std::map<std::string, std::map<long long, double>> m_perElement;
 };
 
+// Bytes in use for the model: what the heap has handed out, with the list
+// nodes counted one by one instead of the pool's chunks (which hold free
+// nodes as well).
 size_t HeapInUse()
 {
     struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
+    return info.uordblks + info.hblkhd - MCNodePool::GetReservedCount() * MCNodePool::kBlockSize;
+}
+
+size_t NodeBytes(ECBase *root)
+{
+    size_t nodes = 0;
+    std::unordered_set<ECBase *> seen;
+    std::vector<ECBase *> stack{root};
+    while (!stack.empty())
+    {
+        ECBase *e = stack.back();
+        stack.pop_back();
+        if (!seen.insert(e).second)
+            continue;
+        nodes += static_cast<size_t>(e->GetParents()->GetCount());
+        if (ECBase::EventList *children = e->GetChildren())
+        {
+            nodes += static_cast<size_t>(children->GetCount());
+            for (POSITION pos = children->GetHeadPosition(); pos;)
+                stack.push_back(children->GetNext(pos));
+        }
+    }
+    return nodes * MCNodePool::kBlockSize;
 }
 
 // Heap per note for `total` notes under measures of `perMeasure`; the
@@ -203,6 +230,8 @@ double HeapPerNote(int total, int perMeasure)
     }
     size_t after = HeapInUse();
     for (ECBase *measure : measures)
+        after += NodeBytes(measure);
+    for (ECBase *measure : measures)
         ReleaseTree(measure);
     return static_cast<double>(after - before) / total;
 }
@@ -219,7 +248,7 @@ void PrintSizes()
     double large = HeapPerNote(1000000, 1000);
     size_t before = HeapInUse();
     ECBase *score = bench::BuildScore();
-    double perNote = static_cast<double>(HeapInUse() - before) / bench::kScoreNotes;
+    double perNote = static_cast<double>(HeapInUse() + NodeBytes(score) - before) / bench::kScoreNotes;
     ReleaseTree(score);
     std::printf("heap per note, 1,000,000 notes: %.1f bytes in the score (10 staves, 1000 measures each, 100 notes "
                 "each, measures and staves included), %.1f bytes under measures of 1000 (ratio %.2f; the "

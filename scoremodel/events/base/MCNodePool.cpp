@@ -182,6 +182,9 @@ void *MCNodePool::Allocate()
     FreeBlock *block = local.current;
     local.current = block->next;
     --local.count;
+    // The next node handed out is read for its link: start fetching it now
+    // (a freed node has usually left the cache).
+    __builtin_prefetch(local.current, 1);
     return block;
 }
 
