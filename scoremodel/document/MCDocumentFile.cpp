@@ -122,6 +122,40 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
             refuse(object, " that no event holds");
 }
 
+// The post section's walk over a loaded tree meets an event once for every
+// path that leads to it. A real document shares an event among a few parents
+// (a note in its measure and its tuplet); a stream can describe levels of
+// containers that all share all of their children, where the paths double at
+// each level and the walk would not end. The load gives up past a budget of
+// visits far above what any real document needs.
+class LoadPostSerialize : public ACPostSerialize
+{
+public:
+    static constexpr size_t kVisitsPerObject = 16;
+
+    LoadPostSerialize(CArchive &ar, size_t objects) : ACPostSerialize(ar), m_budget(kVisitsPerObject * (objects + 1))
+    {
+    }
+
+    using ACPostSerialize::Apply;
+    int Apply(ECBase *e) override
+    {
+        if (++m_visits > m_budget)
+        {
+            m_exhausted = true;
+            return ResultFailed;
+        }
+        return ACPostSerialize::Apply(e);
+    }
+
+    bool Exhausted() const { return m_exhausted; }
+
+private:
+    size_t m_budget;
+    size_t m_visits = 0;
+    bool m_exhausted = false;
+};
+
 // Releases a failed load: what the archive made and the performance.
 void ReleaseFailedLoad(const CArchive &ar, ECPerformance *performance)
 {
@@ -213,9 +247,11 @@ void MCDocumentFile::LoadArchive(CArchive &ar, ECPerformance *performance, int v
     // Checked before the post section walks it.
     CheckTree(ar.GetLoadedObjects(), performance);
     const size_t made = ar.GetLoadedObjects().size();
-    ACPostSerialize post(ar);
+    LoadPostSerialize post(ar, made);
     if (post.Apply(performance) == ACBase::ResultFailed)
-        throw CArchiveException(CArchiveException::genericException, "the tree nests too deeply");
+        throw CArchiveException(CArchiveException::genericException,
+                                post.Exhausted() ? "events are shared along too many paths"
+                                                 : "the tree nests too deeply");
     // The post section only links what the tree section made; anything new
     // there would belong to nobody.
     if (ar.GetLoadedObjects().size() != made)

@@ -23,6 +23,7 @@
 #include <map>
 #include <random>
 #include <set>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -455,6 +456,48 @@ TEST_F(MCDocumentFileTest, TreesThatAreNoTreesAreRejectedAndReleased)
     };
     for (const auto &container : containers)
         ExpectRejected(Document(20, cycle(container)), "among its own descendants");
+
+    // Thirty levels of two containers that both hold both containers of the
+    // level below: no cycle, sixty containers, and 2^30 paths to the bottom
+    // for a walk that meets an event once per path.
+    ExpectRejected(Document(20,
+                            [](CArchive &ar) {
+                                constexpr int kLevels = 30;
+                                DWORD next = 3; // the index of the next new object
+                                bool classWritten = false;
+                                auto tag = [&] {
+                                    if (!std::exchange(classWritten, true))
+                                        NewClass(ar, "TestNode");
+                                    else
+                                        ar << WORD(0x8002);
+                                    return next++;
+                                };
+                                auto time = [&] { ar << BYTE(0) << 1.0f << WORD(0); };
+                                std::function<std::pair<DWORD, DWORD>(int)> pair = [&](int level) {
+                                    const bool last = level + 1 == kLevels;
+                                    const DWORD a = tag();
+                                    std::pair<DWORD, DWORD> below;
+                                    if (last)
+                                        ar << BYTE(0x00);
+                                    else
+                                    {
+                                        ar << BYTE(0x02) << WORD(2);
+                                        below = pair(level + 1);
+                                    }
+                                    time();
+                                    const DWORD b = tag();
+                                    if (last)
+                                        ar << BYTE(0x00);
+                                    else
+                                        ar << BYTE(0x02) << WORD(2) << WORD(below.first) << WORD(below.second);
+                                    time();
+                                    return std::make_pair(a, b);
+                                };
+                                ar << BYTE(0x02) << WORD(2);
+                                pair(0);
+                                ar << BYTE(0) << 0.0f << WORD(0);
+                            }),
+                   "shared along too many paths");
 }
 
 // The invalid frame dies at once; a later reference to it reads as nothing.
