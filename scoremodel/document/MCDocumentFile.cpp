@@ -24,6 +24,9 @@ namespace
 {
 // Large enough that a file is read and written in few system calls.
 constexpr int kArchiveBuffer = 1 << 16;
+// The load's maps are sized for one object per this many bytes, up to a cap.
+constexpr ULONGLONG kBytesPerObjectHint = 16;
+constexpr ULONGLONG kMaxObjectsHint = 1 << 24;
 
 std::string WithPlace(const std::string &problem, const std::string &path, ULONGLONG offset)
 {
@@ -329,6 +332,11 @@ ECPerformance *MCDocumentFile::Read(CFile &file, int *version)
     auto *performance = new ECPerformance;
     performance->Ref();
     CArchive ar(&file, CArchive::load | CArchive::bNoFlushOnDelete, kArchiveBuffer);
+    // Room for the objects a document of this length usually holds (an event
+    // takes about twenty bytes), so that a large load does not copy its maps
+    // over and over as they grow. Only a length the file confirmed counts.
+    if (left != CArchive::unknownLength)
+        ar.SetLoadParams(static_cast<UINT>(std::min<ULONGLONG>(length / kBytesPerObjectHint, kMaxObjectsHint)));
     auto fail = [&](int cause, const std::string &problem) {
         const ULONGLONG remaining = ar.GetBytesRemaining();
         const ULONGLONG offset =

@@ -24,14 +24,6 @@ CObject *CRuntimeClass::CreateObject() const
     return m_pfnCreateObject ? m_pfnCreateObject() : nullptr;
 }
 
-BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass *pBaseClass) const
-{
-    for (const CRuntimeClass *p = this; p; p = p->m_pBaseClass)
-        if (p == pBaseClass)
-            return TRUE;
-    return FALSE;
-}
-
 CRuntimeClass *CRuntimeClass::FromName(LPCSTR lpszClassName)
 {
     if (!lpszClassName)

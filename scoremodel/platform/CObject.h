@@ -34,7 +34,13 @@ struct CRuntimeClass
     // A new object of this class, or null if the class is abstract.
     CObject *CreateObject() const;
     // True when this class is pBaseClass or derives from it.
-    BOOL IsDerivedFrom(const CRuntimeClass *pBaseClass) const;
+    BOOL IsDerivedFrom(const CRuntimeClass *pBaseClass) const
+    {
+        for (const CRuntimeClass *p = this; p; p = p->m_pBaseClass)
+            if (p == pBaseClass)
+                return TRUE;
+        return FALSE;
+    }
 
     // The registered class with this name, or null.
     static CRuntimeClass *FromName(LPCSTR lpszClassName);
