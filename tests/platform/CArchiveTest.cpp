@@ -1,58 +1,15 @@
-#include <scoremodel/platform/CArchive.h>
+#include "platform/ArchiveBytes.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <functional>
-#include <string>
+#include <cstring>
 #include <typeinfo>
 #include <unistd.h>
-#include <vector>
+
+using namespace archive_bytes;
 
 namespace
 {
-using Bytes = std::vector<BYTE>;
-
-Bytes Store(const std::function<void(CArchive &)> &write, int nBufSize = 4096)
-{
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store, nBufSize);
-        write(ar);
-        ar.Close();
-    }
-    Bytes out(static_cast<size_t>(mem.GetLength()));
-    mem.SeekToBegin();
-    mem.Read(out.data(), static_cast<UINT>(out.size()));
-    return out;
-}
-
-// Loads through a read-only attached buffer, then frees whatever the archive
-// created, whether read succeeded or threw.
-void Load(const Bytes &bytes, const std::function<void(CArchive &)> &read, int nBufSize = 4096)
-{
-    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
-    CArchive ar(&mem, CArchive::load, nBufSize);
-    struct FreeLoaded
-    {
-        CArchive &ar;
-        ~FreeLoaded()
-        {
-            for (CObject *p : ar.GetLoadedObjects())
-                delete p;
-        }
-    } freeLoaded{ar};
-    read(ar);
-}
-
-Bytes Concat(std::initializer_list<Bytes> parts)
-{
-    Bytes out;
-    for (const Bytes &p : parts)
-        out.insert(out.end(), p.begin(), p.end());
-    return out;
-}
-
 Bytes Text(const char *s)
 {
     return Bytes(s, s + std::strlen(s));
@@ -64,17 +21,20 @@ Bytes ClassRecord(WORD schema, const char *name)
     return Concat({{0xFF, 0xFF, LOBYTE(schema), HIBYTE(schema), LOBYTE(n), HIBYTE(n)}, Text(name)});
 }
 
-int CauseOf(const std::function<void()> &f)
+template <class T>
+T ReadOne(CArchive &ar)
 {
-    try
-    {
-        f();
-    }
-    catch (const CArchiveException &e)
-    {
-        return e.m_cause;
-    }
-    return -1;
+    T value{};
+    ar >> value;
+    return value;
+}
+
+template <class T>
+T LoadOne(const Bytes &bytes)
+{
+    T value{};
+    Load(bytes, [&](CArchive &ar) { value = ReadOne<T>(ar); });
+    return value;
 }
 } // namespace
 
@@ -221,11 +181,7 @@ template <class T>
 void ExpectScalar(T value, const Bytes &bytes)
 {
     EXPECT_EQ(Store([&](CArchive &ar) { ar << value; }), bytes) << typeid(T).name();
-    Load(bytes, [&](CArchive &ar) {
-        T back{};
-        ar >> back;
-        EXPECT_EQ(back, value) << typeid(T).name();
-    });
+    EXPECT_EQ(LoadOne<T>(bytes), value) << typeid(T).name();
 }
 } // namespace
 
@@ -244,11 +200,7 @@ TEST(CArchiveScalars, EachTypeIsWrittenLittleEndianAtItsFixedWidthAndReadBack)
     ExpectScalar(0x0102030405060708ULL, {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01});
     ExpectScalar(1.0f, {0x00, 0x00, 0x80, 0x3F});
     ExpectScalar(-2.0, {0, 0, 0, 0, 0, 0, 0x00, 0xC0});
-    Load({0x7F, 0xFF}, [](CArchive &ar) {
-        bool a = false, b = false;
-        ar >> a >> b;
-        EXPECT_TRUE(a && b) << "any non-zero byte loads as true";
-    });
+    EXPECT_TRUE(LoadOne<bool>({0x7F}) && LoadOne<bool>({0xFF})) << "any non-zero byte loads as true";
 }
 
 TEST(CArchiveScalars, FieldsStraddlingTheBufferEdgeAndBigBlocksSurviveASmallBuffer)
@@ -318,57 +270,32 @@ DWORD_PTR ReadCountFromPipe(const Bytes &bytes)
 
 TEST(CArchiveCounts, EachWidthStartsExactlyAtItsBoundary)
 {
-    struct Case
-    {
-        DWORD_PTR count;
-        Bytes bytes;
-    };
-    const std::vector<Case> cases = {
+    const std::pair<DWORD_PTR, Bytes> cases[] = {
         {0, {0x00, 0x00}},
         {0xFFFE, {0xFE, 0xFF}},
         {0xFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}},
         {0x10000, {0xFF, 0xFF, 0x00, 0x00, 0x01, 0x00}},
         {0xFFFFFFFE, {0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}},
         {0xFFFFFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00}},
-        {0x100000000ull,
-         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00}},
+        {0x100000000ull, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00}},
     };
-    for (const Case &c : cases)
+    for (const auto &[count, bytes] : cases)
     {
-        EXPECT_EQ(Store([&](CArchive &ar) { ar.WriteCount(c.count); }), c.bytes) << std::hex << c.count;
-        EXPECT_EQ(ReadCountFromPipe(c.bytes), c.count) << std::hex << c.count;
+        SCOPED_TRACE(count);
+        EXPECT_EQ(Store([&](CArchive &ar) { ar.WriteCount(count); }), bytes);
+        EXPECT_EQ(ReadCountFromPipe(bytes), count);
     }
-}
-
-TEST(CArchiveCounts, ACountThatFitsTheRemainingBytesLoads)
-{
-    Bytes bytes = Store([](CArchive &ar) { ar.WriteCount(0xFFFF); });
-    bytes.resize(bytes.size() + 0xFFFF);
-    Load(bytes, [](CArchive &ar) { EXPECT_EQ(ar.ReadCount(), 0xFFFFu); });
-}
-
-TEST(CArchiveCounts, ACountBeyondTheRemainingBytesIsEndOfFileBeforeAnyoneAllocates)
-{
-    for (DWORD_PTR count : {DWORD_PTR(3), DWORD_PTR(0xFFFF), DWORD_PTR(0xFFFFFFFF), DWORD_PTR(0x7FFFFFFFFFFFFFFFull)})
-    {
-        Bytes bytes = Store([&](CArchive &ar) { ar.WriteCount(count); });
-        bytes.push_back(0); // one byte where more are needed
-        bytes.push_back(0);
-        EXPECT_EQ(CauseOf([&] { Load(bytes, [](CArchive &ar) { ar.ReadCount(); }); }), CArchiveException::endOfFile)
-            << count;
-    }
+    // With a known length, a count that exactly fits the bytes left loads.
+    Bytes fits = Store([](CArchive &ar) { ar.WriteCount(0xFFFF); });
+    fits.resize(fits.size() + 0xFFFF);
+    Load(fits, [](CArchive &ar) { EXPECT_EQ(ar.ReadCount(), 0xFFFFu); });
 }
 
 // ---- Strings ----------------------------------------------------------------------
 
 TEST(CArchiveStrings, LengthPrefixesSwitchFormAtEachBoundary)
 {
-    struct Case
-    {
-        int length;
-        Bytes prefix;
-    };
-    const std::vector<Case> cases = {
+    const std::pair<int, Bytes> cases[] = {
         {0, {0x00}},
         {254, {0xFE}},
         {255, {0xFF, 0xFF, 0x00}},
@@ -377,36 +304,31 @@ TEST(CArchiveStrings, LengthPrefixesSwitchFormAtEachBoundary)
         {0xFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}},
     };
     const Bytes wideMarker = {0xFF, 0xFE, 0xFF};
-    for (const Case &c : cases)
+    for (const auto &[length, prefix] : cases)
     {
+        SCOPED_TRACE(length);
         CString wide;
         CStringA narrow;
-        for (int i = 0; i < c.length; ++i)
+        for (int i = 0; i < length; ++i)
         {
             wide += static_cast<wchar_t>(0x3B1 + i % 20); // Greek, two bytes in UTF-16
             narrow += static_cast<char>('a' + i % 26);
         }
 
         const Bytes w = Store([&](CArchive &ar) { ar << wide; });
-        ASSERT_EQ(w.size(), wideMarker.size() + c.prefix.size() + 2 * c.length) << c.length;
-        EXPECT_EQ(Bytes(w.begin(), w.begin() + 3), wideMarker) << c.length;
-        EXPECT_EQ(Bytes(w.begin() + 3, w.begin() + 3 + c.prefix.size()), c.prefix) << c.length;
-        if (c.length)
+        ASSERT_EQ(w.size(), wideMarker.size() + prefix.size() + 2 * length);
+        EXPECT_EQ(Bytes(w.begin(), w.begin() + 3 + prefix.size()), Concat({wideMarker, prefix}));
+        if (length)
         {
-            EXPECT_EQ(w[3 + c.prefix.size()], 0xB1) << c.length;
+            EXPECT_EQ(w[3 + prefix.size()], 0xB1);
         }
 
         const Bytes n = Store([&](CArchive &ar) { ar << narrow; });
-        ASSERT_EQ(n.size(), c.prefix.size() + c.length) << c.length;
-        EXPECT_EQ(Bytes(n.begin(), n.begin() + c.prefix.size()), c.prefix) << c.length;
+        ASSERT_EQ(n.size(), prefix.size() + length);
+        EXPECT_EQ(Bytes(n.begin(), n.begin() + prefix.size()), prefix);
 
-        Load(Concat({w, n}), [&](CArchive &ar) {
-            CString w2;
-            CStringA n2;
-            ar >> w2 >> n2;
-            EXPECT_TRUE(w2 == wide) << c.length;
-            EXPECT_TRUE(n2 == narrow) << c.length;
-        });
+        EXPECT_TRUE(LoadOne<CString>(w) == wide);
+        EXPECT_TRUE(LoadOne<CStringA>(n) == narrow);
     }
 }
 
@@ -421,89 +343,51 @@ TEST(CArchiveStrings, HugeLengthsUseTheThirtyTwoAndSixtyFourBitForms)
         EXPECT_EQ(AfxReadStringLength(ar, size), 0xFFFFFFFEu);
         EXPECT_EQ(size, 1);
     });
-    // A 64-bit length beyond what a string can hold is refused outright.
-    EXPECT_EQ(CauseOf([] {
-                  Load({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x80, 0, 0, 0, 0},
-                       [](CArchive &ar) {
-                           CString s;
-                           ar >> s;
-                       });
-              }),
-              CArchiveException::genericException);
 }
 
-TEST(CArchiveStrings, CharactersBeyondTheBasicPlaneBecomeSurrogatePairsAndComeBack)
+TEST(CArchiveStrings, PairsLoneSurrogatesAndNonCharactersHaveFixedBytes)
 {
-    const CString s(L"a\U0001D11E\U0001F3B5z");
-    const Bytes bytes = Store([&](CArchive &ar) { ar << s; });
-    EXPECT_EQ(bytes, (Bytes{0xFF, 0xFE, 0xFF, 0x06, 0x61, 0x00, 0x34, 0xD8, 0x1E, 0xDD, 0x3C, 0xD8, 0xB5, 0xDF, 0x7A, 0x00}));
-    Load(bytes, [&](CArchive &ar) {
-        CString back;
-        ar >> back;
-        EXPECT_TRUE(back == s);
-        EXPECT_EQ(back.GetLength(), 4);
-    });
-}
-
-TEST(CArchiveStrings, APairSplitAcrossReadPiecesIsStillJoined)
-{
-    // 16383 BMP units, then a pair whose halves fall into different pieces.
-    CString s(L'x', 16383);
-    s += L"\U0001F3B5";
-    const Bytes bytes = Store([&](CArchive &ar) { ar << s; });
-    Load(bytes, [&](CArchive &ar) {
-        CString back;
-        ar >> back;
-        EXPECT_TRUE(back == s);
-    });
-}
-
-TEST(CArchiveStrings, LoneSurrogatesSurviveAndNonCharactersBecomeReplacement)
-{
-    Load({0xFF, 0xFE, 0xFF, 0x03, 0x00, 0xD8, 0x41, 0x00, 0x00, 0xDC}, [](CArchive &ar) {
+    auto units = [](std::initializer_list<UINT> codes) {
         CString s;
-        ar >> s;
-        ASSERT_EQ(s.GetLength(), 3);
-        EXPECT_EQ(s[0], 0xD800);
-        EXPECT_EQ(s[1], L'A');
-        EXPECT_EQ(s[2], 0xDC00);
-    });
-    CString bad;
-    bad += static_cast<wchar_t>(0x110000);
-    EXPECT_EQ(Store([&](CArchive &ar) { ar << bad; }), (Bytes{0xFF, 0xFE, 0xFF, 0x01, 0xFD, 0xFF}));
+        for (UINT c : codes)
+            s += static_cast<wchar_t>(c);
+        return s;
+    };
+    struct Case
+    {
+        const char *what;
+        CString text;
+        Bytes bytes;
+        bool loadsBack;
+    };
+    const Case cases[] = {
+        {"characters beyond the basic plane as pairs", CString(L"a\U0001D11E\U0001F3B5z"),
+         {0xFF, 0xFE, 0xFF, 0x06, 0x61, 0x00, 0x34, 0xD8, 0x1E, 0xDD, 0x3C, 0xD8, 0xB5, 0xDF, 0x7A, 0x00}, true},
+        {"lone surrogates kept", units({0xD800, 'A', 0xDC00}),
+         {0xFF, 0xFE, 0xFF, 0x03, 0x00, 0xD8, 0x41, 0x00, 0x00, 0xDC}, true},
+        {"beyond U+10FFFF becomes the replacement", units({0x110000}), {0xFF, 0xFE, 0xFF, 0x01, 0xFD, 0xFF}, false},
+    };
+    for (const Case &c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(Store([&](CArchive &ar) { ar << c.text; }), c.bytes);
+        if (c.loadsBack)
+        {
+            EXPECT_TRUE(LoadOne<CString>(c.bytes) == c.text);
+        }
+    }
+
+    // 16383 basic units, then a pair whose halves fall into different read pieces.
+    CString split(L'x', 16383);
+    split += L"\U0001F3B5";
+    EXPECT_TRUE(LoadOne<CString>(Store([&](CArchive &ar) { ar << split; })) == split);
 }
 
 TEST(CArchiveStrings, NarrowTextLoadsAsWindows1252AndWideTextIntoANarrowStringAsUtf8)
 {
-    Load({0x04, 'A', 0x80, 0xE9, 0x9F}, [](CArchive &ar) {
-        CString s;
-        ar >> s;
-        EXPECT_TRUE(s == CString(L"A\u20AC\u00E9\u0178"));
-    });
-    const Bytes bytes = Store([](CArchive &ar) { ar << CString(L"Fl\u00F6te \U0001D11E"); });
-    Load(bytes, [](CArchive &ar) {
-        CStringA s;
-        ar >> s;
-        EXPECT_EQ(s.ToUtf8(), std::string("Fl\xC3\xB6te \xF0\x9D\x84\x9E"));
-    });
-}
-
-TEST(CArchiveStrings, ALengthBeyondTheRemainingBytesIsEndOfFile)
-{
-    EXPECT_EQ(CauseOf([] {
-                  Load({0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0}, [](CArchive &ar) {
-                      CString s;
-                      ar >> s;
-                  });
-              }),
-              CArchiveException::endOfFile);
-    EXPECT_EQ(CauseOf([] {
-                  Load({0x05, 'a', 'b'}, [](CArchive &ar) {
-                      CStringA s;
-                      ar >> s;
-                  });
-              }),
-              CArchiveException::endOfFile);
+    EXPECT_TRUE(LoadOne<CString>({0x04, 'A', 0x80, 0xE9, 0x9F}) == CString(L"A\u20AC\u00E9\u0178"));
+    EXPECT_EQ(LoadOne<CStringA>(Store([](CArchive &ar) { ar << CString(L"Fl\u00F6te \U0001D11E"); })).ToUtf8(),
+              std::string("Fl\xC3\xB6te \xF0\x9D\x84\x9E"));
 }
 
 // ---- Object tags --------------------------------------------------------------------
@@ -673,15 +557,6 @@ TEST(CArchiveObjects, AVersionableClassLoadsAnOlderSchemaAndHandsItToTheRecord)
     });
 }
 
-TEST(CArchiveObjects, AClassThatIsNotSerializableIsRefusedWhenWritten)
-{
-    ArDynamic d;
-    EXPECT_THROW(Store([&](CArchive &ar) { ar << &d; }), CNotSupportedException);
-    EXPECT_THROW(Store([&](CArchive &ar) { ar.WriteClass(RUNTIME_CLASS(ArAbstract)); }), CNotSupportedException);
-    ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally longName;
-    EXPECT_EQ(CauseOf([&] { Store([&](CArchive &ar) { ar << &longName; }); }), CArchiveException::badClass);
-}
-
 TEST(CArchiveObjects, WriteClassAndReadClassRoundTripWithSchema)
 {
     const Bytes bytes = Store([](CArchive &ar) {
@@ -702,7 +577,7 @@ TEST(CArchiveObjects, WriteClassAndReadClassRoundTripWithSchema)
 
 // ---- Failures ---------------------------------------------------------------------------
 
-TEST(CArchiveObjects, EachKindOfBadStreamRaisesItsCause)
+TEST(CArchiveObjects, EachKindOfBadStreamOrMisuseRaisesItsCause)
 {
     const Bytes point = Concat({ClassRecord(1, "ArPoint"), Bytes(8, 0)}); // class 1, object 2
     auto readAs = [](const CRuntimeClass *pClass, int n = 1) {
@@ -711,14 +586,22 @@ TEST(CArchiveObjects, EachKindOfBadStreamRaisesItsCause)
                 ar.ReadObject(pClass);
         };
     };
+    auto readWide = [](CArchive &ar) { ReadOne<CString>(ar); };
+    auto readNarrow = [](CArchive &ar) { ReadOne<CStringA>(ar); };
+    auto readCount = [](CArchive &ar) { ar.ReadCount(); };
+    // A count followed by two bytes where more are needed.
+    auto countOverTwoBytes = [](DWORD_PTR n) {
+        return Concat({Store([=](CArchive &ar) { ar.WriteCount(n); }), {0, 0}});
+    };
     struct Case
     {
         const char *fault;
-        Bytes bytes;
-        std::function<void(CArchive &)> read;
+        Bytes bytes; // loaded; ignored when storing
+        std::function<void(CArchive &)> use;
         int cause;
+        bool storing = false;
     };
-    const std::vector<Case> cases = {
+    const Case cases[] = {
         {"unknown class name", Concat({ClassRecord(1, "ArNoSuch"), Bytes(8, 0)}), readAs(nullptr),
          CArchiveException::badClass},
         {"class of another branch", point, readAs(RUNTIME_CLASS(ArOther)), CArchiveException::badClass},
@@ -763,43 +646,54 @@ TEST(CArchiveObjects, EachKindOfBadStreamRaisesItsCause)
          CArchiveException::endOfFile},
         {"stream ends inside the fields", Bytes(point.begin(), point.end() - 1), readAs(nullptr),
          CArchiveException::endOfFile},
-        {"read from an archive that stores", {}, nullptr, CArchiveException::writeOnly},
+        // Counts and lengths beyond the bytes left fail before anyone allocates.
+        {"count 3", countOverTwoBytes(3), readCount, CArchiveException::endOfFile},
+        {"count 0xFFFF", countOverTwoBytes(0xFFFF), readCount, CArchiveException::endOfFile},
+        {"count 0xFFFFFFFF", countOverTwoBytes(0xFFFFFFFF), readCount, CArchiveException::endOfFile},
+        {"64-bit count", countOverTwoBytes(0x7FFFFFFFFFFFFFFFull), readCount, CArchiveException::endOfFile},
+        {"wide length beyond the bytes", {0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0},
+         readWide, CArchiveException::endOfFile},
+        {"narrow length beyond the bytes", {0x05, 'a', 'b'}, readNarrow, CArchiveException::endOfFile},
+        {"64-bit length beyond what a string can hold",
+         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x80, 0, 0, 0, 0}, readWide,
+         CArchiveException::genericException},
+        // Misuse of the archive.
+        {"write to a loading archive", {0, 0}, [](CArchive &ar) { ar << DWORD(1); }, CArchiveException::readOnly},
+        {"object to a loading archive", {0, 0},
+         [](CArchive &ar) {
+             ArPoint p;
+             ar << &p;
+         },
+         CArchiveException::readOnly},
+        {"read from an archive that stores", {}, [](CArchive &ar) { ReadOne<BYTE>(ar); }, CArchiveException::writeOnly,
+         true},
+        {"write after Close", {},
+         [](CArchive &ar) {
+             ar << BYTE(1);
+             ar.Close();
+             ar << BYTE(2);
+         },
+         CArchiveException::genericException, true},
+        {"object of a class without a schema", {},
+         [](CArchive &ar) {
+             ArDynamic d;
+             ar << &d;
+         },
+         kNotSupported, true},
+        {"class that can't be created", {}, [](CArchive &ar) { ar.WriteClass(RUNTIME_CLASS(ArAbstract)); },
+         kNotSupported, true},
+        {"class name too long to write", {},
+         [](CArchive &ar) {
+             ArClassWithANameThatIsFarTooLongForTheArchiveFormatToCarryAtAllReally longName;
+             ar << &longName;
+         },
+         CArchiveException::badClass, true},
     };
     for (const Case &c : cases)
     {
-        int cause;
-        if (c.read)
-            cause = CauseOf([&] { Load(c.bytes, c.read); });
-        else
-            cause = CauseOf([] {
-                CMemFile mem;
-                CArchive ar(&mem, CArchive::store);
-                BYTE b;
-                ar >> b;
-            });
+        const int cause = CauseOf([&] { c.storing ? (void)Store(c.use) : Load(c.bytes, c.use); });
         EXPECT_EQ(cause, c.cause) << c.fault << ": got " << CArchiveException::CauseName(cause);
     }
-}
-
-TEST(CArchiveObjects, WritingToALoadingArchiveIsReadOnly)
-{
-    ArPoint p;
-    auto attempt = [&](const std::function<void(CArchive &)> &write) {
-        return CauseOf([&] { Load({0, 0}, write); });
-    };
-    EXPECT_EQ(attempt([](CArchive &ar) { ar << DWORD(1); }), CArchiveException::readOnly);
-    EXPECT_EQ(attempt([&](CArchive &ar) { ar << &p; }), CArchiveException::readOnly);
-}
-
-TEST(CArchiveObjects, AClosedArchiveRefusesFurtherUse)
-{
-    CMemFile mem;
-    CArchive ar(&mem, CArchive::store);
-    ar << BYTE(1);
-    ar.Close();
-    EXPECT_EQ(mem.GetLength(), 1u);
-    EXPECT_EQ(CauseOf([&] { ar << BYTE(2); }), CArchiveException::genericException);
-    ar.Close();
 }
 
 TEST(CArchiveObjects, AFailedLoadListsEveryObjectItCreatedInOrder)
@@ -883,23 +777,19 @@ TEST(CArchiveFiles, ALoadingArchiveGivesBackUnreadBytesWhenClosed)
 
 TEST(CArchiveFiles, TheDestructorFlushesUnlessToldNotToAndAbortWritesNothing)
 {
-    CMemFile a, b, c;
+    const std::tuple<UINT, bool, ULONGLONG> cases[] = {
+        {CArchive::store, false, 4}, {CArchive::store | CArchive::bNoFlushOnDelete, false, 0}, {CArchive::store, true, 0}};
+    for (const auto &[mode, abort, length] : cases)
     {
-        CArchive ar(&a, CArchive::store);
-        ar << DWORD(7);
+        CMemFile mem;
+        {
+            CArchive ar(&mem, mode);
+            ar << DWORD(7);
+            if (abort)
+                ar.Abort();
+        }
+        EXPECT_EQ(mem.GetLength(), length) << "mode " << mode << (abort ? ", aborted" : "");
     }
-    {
-        CArchive ar(&b, CArchive::store | CArchive::bNoFlushOnDelete);
-        ar << DWORD(7);
-    }
-    {
-        CArchive ar(&c, CArchive::store);
-        ar << DWORD(7);
-        ar.Abort();
-    }
-    EXPECT_EQ(a.GetLength(), 4u);
-    EXPECT_EQ(b.GetLength(), 0u);
-    EXPECT_EQ(c.GetLength(), 0u);
 }
 
 TEST(CArchiveFiles, ALentBufferIsUsedAndATooSmallOneIsRefused)

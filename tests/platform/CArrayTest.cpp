@@ -1,5 +1,6 @@
 #include <scoremodel/platform/CArray.h>
-#include <scoremodel/platform/CFile.h>
+
+#include "platform/ArchiveBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,8 @@ public:
     int m_nPitch;
 };
 IMPLEMENT_SERIAL(ArrayTestNote, CObject, 1)
+
+using namespace archive_bytes;
 
 namespace
 {
@@ -57,87 +60,53 @@ public:
     explicit TestItem(int n) { m_nWeight = n; }
 };
 
-
-// A memory file that, like a pipe, cannot tell its length, so the archive
-// cannot check counts against the bytes left.
-class StreamFile : public CMemFile
-{
-public:
-    using CMemFile::CMemFile;
-    ULONGLONG GetLength() const override { throw CFileException(CFileException::badSeek, 0, "stream"); }
-};
-
 template <class ARRAY>
-std::vector<BYTE> Store(ARRAY &array)
+Bytes StoreArray(ARRAY &array)
 {
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        array.Serialize(ar);
-    }
-    std::vector<BYTE> bytes((size_t)mem.GetLength());
-    mem.SeekToBegin();
-    if (!bytes.empty())
-        mem.Read(bytes.data(), (UINT)bytes.size());
-    return bytes;
+    return Store([&](CArchive &ar) { array.Serialize(ar); });
 }
 
 template <class ARRAY>
-void Load(const std::vector<BYTE> &bytes, ARRAY &array, bool bLengthKnown = true)
+void LoadArray(const Bytes &bytes, ARRAY &array, bool bLengthKnown = true)
 {
-    static const BYTE kNothing = 0;
-    const BYTE *p = bytes.empty() ? &kNothing : bytes.data();
-    std::unique_ptr<CMemFile> file = bLengthKnown ? std::make_unique<CMemFile>(p, (UINT)bytes.size())
-                                                  : std::make_unique<StreamFile>(p, (UINT)bytes.size());
-    CArchive ar(file.get(), CArchive::load);
-    array.Serialize(ar);
-}
-
-std::vector<BYTE> Bytes(std::initializer_list<int> values)
-{
-    return std::vector<BYTE>(values.begin(), values.end());
+    Load(bytes, [&](CArchive &ar) { array.Serialize(ar); }, 4096, bLengthKnown);
 }
 } // namespace
 
-TEST(CArray, InsertAtPutsElementsBeforeTheIndexAndGrowsPastTheEnd)
+TEST(CArray, InsertAtAndRemoveAtChangeExactlyTheRange)
 {
     struct Case
     {
+        bool insert; // of 9s; otherwise a removal
         INT_PTR index;
         INT_PTR count;
         std::vector<int> expected;
     };
     const Case cases[] = {
-        {0, 1, {9, 1, 2, 3}},       {1, 2, {1, 9, 9, 2, 3}},       {2, 3, {1, 2, 9, 9, 9, 3}},
-        {3, 1, {1, 2, 3, 9}},       {5, 2, {1, 2, 3, 0, 0, 9, 9}}, {4, 1, {1, 2, 3, 0, 9}},
+        // Inserts go before the index; past the end the gap is zeros.
+        {true, 0, 1, {9, 1, 2, 3, 4, 5}},
+        {true, 1, 2, {1, 9, 9, 2, 3, 4, 5}},
+        {true, 2, 3, {1, 2, 9, 9, 9, 3, 4, 5}},
+        {true, 5, 1, {1, 2, 3, 4, 5, 9}},
+        {true, 6, 1, {1, 2, 3, 4, 5, 0, 9}},
+        {true, 7, 2, {1, 2, 3, 4, 5, 0, 0, 9, 9}},
+        {false, 0, 1, {2, 3, 4, 5}},
+        {false, 4, 1, {1, 2, 3, 4}},
+        {false, 1, 3, {1, 5}},
+        {false, 0, 5, {}},
+        {false, 5, 0, {1, 2, 3, 4, 5}},
+        {false, 2, 0, {1, 2, 3, 4, 5}},
     };
     for (const Case &c : cases)
     {
-        CArray<int, int> array;
-        Fill(array, {1, 2, 3});
-        array.InsertAt(c.index, 9, c.count);
-        EXPECT_EQ(Contents(array), c.expected) << "index " << c.index << " count " << c.count;
-    }
-}
-
-TEST(CArray, RemoveAtTakesOutExactlyTheRange)
-{
-    struct Case
-    {
-        INT_PTR index;
-        INT_PTR count;
-        std::vector<int> expected;
-    };
-    const Case cases[] = {
-        {0, 1, {2, 3, 4, 5}}, {4, 1, {1, 2, 3, 4}}, {1, 3, {1, 5}},
-        {0, 5, {}},           {5, 0, {1, 2, 3, 4, 5}}, {2, 0, {1, 2, 3, 4, 5}},
-    };
-    for (const Case &c : cases)
-    {
+        SCOPED_TRACE(::testing::Message() << (c.insert ? "InsertAt " : "RemoveAt ") << c.index << ", " << c.count);
         CArray<int, int> array;
         Fill(array, {1, 2, 3, 4, 5});
-        array.RemoveAt(c.index, c.count);
-        EXPECT_EQ(Contents(array), c.expected) << "index " << c.index << " count " << c.count;
+        if (c.insert)
+            array.InsertAt(c.index, 9, c.count);
+        else
+            array.RemoveAt(c.index, c.count);
+        EXPECT_EQ(Contents(array), c.expected);
         EXPECT_EQ(array.GetUpperBound(), (INT_PTR)c.expected.size() - 1);
     }
 }
@@ -266,35 +235,31 @@ TEST(CArray, ConcreteArraysAreCreatableByClassName)
 
 TEST(CArraySerialize, CountWidthChangesAtTheArchiveBoundariesAndRoundTrips)
 {
-    struct Case
-    {
-        INT_PTR count;
-        std::vector<BYTE> prefix;
+    const std::pair<INT_PTR, Bytes> cases[] = {
+        {0, {0x00, 0x00}},
+        {0xFFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}},
+        {0x10001, {0xFF, 0xFF, 0x01, 0x00, 0x01, 0x00}},
     };
-    const Case cases[] = {
-        {0, Bytes({0x00, 0x00})},
-        {0xFFFF, Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00})},
-        {0x10001, Bytes({0xFF, 0xFF, 0x01, 0x00, 0x01, 0x00})},
-    };
-    for (const Case &c : cases)
+    for (const auto &[count, prefix] : cases)
     {
+        SCOPED_TRACE(count);
         CByteArray array;
-        array.SetSize(c.count);
-        for (INT_PTR i = 0; i < c.count; i++)
+        array.SetSize(count);
+        for (INT_PTR i = 0; i < count; i++)
             array[i] = (BYTE)(i * 31 + 7);
-        std::vector<BYTE> bytes = Store(array);
-        ASSERT_EQ(bytes.size(), c.prefix.size() + (size_t)c.count) << c.count;
-        EXPECT_TRUE(std::equal(c.prefix.begin(), c.prefix.end(), bytes.begin())) << c.count;
-        if (c.count)
+        const Bytes bytes = StoreArray(array);
+        ASSERT_EQ(bytes.size(), prefix.size() + (size_t)count);
+        EXPECT_TRUE(std::equal(prefix.begin(), prefix.end(), bytes.begin()));
+        if (count)
         {
-            EXPECT_EQ(bytes.back(), (BYTE)((c.count - 1) * 31 + 7)) << c.count;
+            EXPECT_EQ(bytes.back(), (BYTE)((count - 1) * 31 + 7));
         }
 
         CByteArray loaded;
         loaded.Add(99); // a load replaces what was there
-        Load(bytes, loaded);
-        ASSERT_EQ(loaded.GetSize(), c.count);
-        EXPECT_TRUE(std::equal(loaded.begin(), loaded.end(), array.begin())) << c.count;
+        LoadArray(bytes, loaded);
+        ASSERT_EQ(loaded.GetSize(), count);
+        EXPECT_TRUE(std::equal(loaded.begin(), loaded.end(), array.begin()));
     }
 }
 
@@ -303,37 +268,36 @@ TEST(CArraySerialize, ScalarElementsAreLittleEndianAtThePlatformWidths)
     CWordArray words;
     words.Add(0x1234);
     words.Add(0xABCD);
-    EXPECT_EQ(Store(words), Bytes({0x02, 0x00, 0x34, 0x12, 0xCD, 0xAB}));
+    EXPECT_EQ(StoreArray(words), (Bytes{0x02, 0x00, 0x34, 0x12, 0xCD, 0xAB}));
 
     CUIntArray uints;
     uints.Add(0x01020304);
-    EXPECT_EQ(Store(uints), Bytes({0x01, 0x00, 0x04, 0x03, 0x02, 0x01}));
+    EXPECT_EQ(StoreArray(uints), (Bytes{0x01, 0x00, 0x04, 0x03, 0x02, 0x01}));
 
     CArray<int, int> ints;
     ints.Add(-2);
-    EXPECT_EQ(Store(ints), Bytes({0x01, 0x00, 0xFE, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(StoreArray(ints), (Bytes{0x01, 0x00, 0xFE, 0xFF, 0xFF, 0xFF}));
 
     CArray<long, long> longs; // the platform's long is 4 bytes
     longs.Add(-2);
-    EXPECT_EQ(Store(longs), Store(ints));
+    EXPECT_EQ(StoreArray(longs), StoreArray(ints));
 
     struct Record // stored as its memory
     {
         BYTE first, last;
         WORD bits;
     };
-    CArray<Record, Record> records;
+    CArray<Record, Record> records, loaded;
     records.Add(Record{1, 4, 0x0102});
-    EXPECT_EQ(Store(records), Bytes({0x01, 0x00, 0x01, 0x04, 0x02, 0x01}));
-    CArray<Record, Record> loaded;
-    Load(Store(records), loaded);
+    EXPECT_EQ(StoreArray(records), (Bytes{0x01, 0x00, 0x01, 0x04, 0x02, 0x01}));
+    LoadArray(StoreArray(records), loaded);
     ASSERT_EQ(loaded.GetSize(), 1);
     EXPECT_EQ(loaded[0].bits, 0x0102);
 
     CStringArray names, loadedNames;
     names.Add(L"Fl\u00f6te");
     names.Add(L"");
-    Load(Store(names), loadedNames);
+    LoadArray(StoreArray(names), loadedNames);
     EXPECT_EQ(Contents(loadedNames), Contents(names));
 }
 
@@ -341,23 +305,21 @@ TEST(CArraySerialize, ObjectArrayStoresASharedObjectOnceAndKeepsNulls)
 {
     ArrayTestNote a(60), b(62);
     CObArray objects;
-    objects.Add(&a);
-    objects.Add(&b);
-    objects.Add(&a);
-    objects.Add(nullptr);
-
-    CObArray loaded;
-    Load(Store(objects), loaded);
-    ASSERT_EQ(loaded.GetSize(), 4);
-    auto *pA = dynamic_cast<ArrayTestNote *>(loaded[0]);
-    auto *pB = dynamic_cast<ArrayTestNote *>(loaded[1]);
-    ASSERT_TRUE(pA && pB);
-    EXPECT_EQ(pA->m_nPitch, 60);
-    EXPECT_EQ(pB->m_nPitch, 62);
-    EXPECT_EQ(loaded[2], loaded[0]);
-    EXPECT_EQ(loaded[3], nullptr);
-    delete pA;
-    delete pB;
+    for (CObject *p : {&a, &b, &a, (ArrayTestNote *)nullptr})
+        objects.Add(p);
+    Load(StoreArray(objects), [](CArchive &ar) {
+        CObArray loaded;
+        loaded.Serialize(ar);
+        ASSERT_EQ(loaded.GetSize(), 4);
+        EXPECT_EQ(ar.GetLoadedObjects(), (std::vector<CObject *>{loaded[0], loaded[1]}));
+        auto *pA = dynamic_cast<ArrayTestNote *>(loaded[0]);
+        auto *pB = dynamic_cast<ArrayTestNote *>(loaded[1]);
+        ASSERT_TRUE(pA && pB);
+        EXPECT_EQ(pA->m_nPitch, 60);
+        EXPECT_EQ(pB->m_nPitch, 62);
+        EXPECT_EQ(loaded[2], loaded[0]);
+        EXPECT_EQ(loaded[3], nullptr);
+    });
 }
 
 TEST(CArraySerialize, TruncatedOrOverCountedArchivesFailWithEndOfFile)
@@ -374,65 +336,31 @@ TEST(CArraySerialize, TruncatedOrOverCountedArchivesFailWithEndOfFile)
         ints.Add(i);
         objects.Add(&note);
     }
-    using Loader = std::function<void(const std::vector<BYTE> &, bool)>;
-    const std::tuple<const char *, std::vector<BYTE>, Loader> cases[] = {
-        {"words", Store(words), [](auto &b, bool k) { CWordArray a; Load(b, a, k); }},
-        {"strings", Store(strings), [](auto &b, bool k) { CStringArray a; Load(b, a, k); }},
-        {"ints", Store(ints), [](auto &b, bool k) { CArray<int, int> a; Load(b, a, k); }},
-        {"objects", Store(objects), [](auto &b, bool k) {
-             // What a failed load created is the caller's to free.
-             std::unique_ptr<CMemFile> file = k ? std::make_unique<CMemFile>(b.data(), (UINT)b.size())
-                                                : std::make_unique<StreamFile>(b.data(), (UINT)b.size());
-             CArchive ar(file.get(), CArchive::load);
-             CObArray a;
-             try
-             {
-                 a.Serialize(ar);
-             }
-             catch (...)
-             {
-                 for (CObject *p : ar.GetLoadedObjects())
-                     delete p;
-                 throw;
-             }
-         }},
+    // Whatever a failed load of objects created, Load frees.
+    using Loader = std::function<void(const Bytes &, bool)>;
+    const std::tuple<const char *, Bytes, Loader> cases[] = {
+        {"words", StoreArray(words), [](auto &b, bool k) { CWordArray a; LoadArray(b, a, k); }},
+        {"strings", StoreArray(strings), [](auto &b, bool k) { CStringArray a; LoadArray(b, a, k); }},
+        {"ints", StoreArray(ints), [](auto &b, bool k) { CArray<int, int> a; LoadArray(b, a, k); }},
+        {"objects", StoreArray(objects), [](auto &b, bool k) { CObArray a; LoadArray(b, a, k); }},
     };
     for (const auto &[name, bytes, load] : cases)
-    {
         for (bool bLengthKnown : {true, false})
-        {
             for (size_t n = 0; n < bytes.size(); n++)
             {
-                std::vector<BYTE> cut(bytes.begin(), bytes.begin() + (long)n);
-                try
-                {
-                    load(cut, bLengthKnown);
-                    ADD_FAILURE() << name << " loaded from " << n << " bytes";
-                }
-                catch (const CArchiveException &e)
-                {
-                    EXPECT_EQ(e.m_cause, CArchiveException::endOfFile) << name << " at " << n;
-                }
+                const Bytes cut(bytes.begin(), bytes.begin() + (long)n);
+                EXPECT_EQ(CauseOf([&] { load(cut, bLengthKnown); }), CArchiveException::endOfFile)
+                    << name << " cut at " << n << (bLengthKnown ? "" : " of a stream");
             }
-        }
-    }
 
     // A count of four billion elements over a few bytes: refused up front
     // when the length is known, and from a stream it fails after reading
     // only what is there.
-    std::vector<BYTE> huge = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 1, 2, 3});
+    const Bytes huge = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 1, 2, 3};
     for (bool bLengthKnown : {true, false})
     {
         CDWordArray array;
-        try
-        {
-            Load(huge, array, bLengthKnown);
-            ADD_FAILURE() << "huge count loaded";
-        }
-        catch (const CArchiveException &e)
-        {
-            EXPECT_EQ(e.m_cause, CArchiveException::endOfFile);
-        }
+        EXPECT_EQ(CauseOf([&] { LoadArray(huge, array, bLengthKnown); }), CArchiveException::endOfFile);
         EXPECT_LE(array.GetSize(), kArrayLoadChunk);
     }
 }
@@ -441,13 +369,13 @@ TEST(CArraySerialize, ArraysOfPointersOrUnknownRecordsRefuseToStore)
 {
     int n = 0;
     CPtrArray pointers;
-    EXPECT_THROW(Store(pointers), CNotSupportedException);
+    EXPECT_THROW(StoreArray(pointers), CNotSupportedException);
     CArray<int *, int *> raw;
     raw.Add(&n);
-    EXPECT_THROW(Store(raw), CNotSupportedException);
+    EXPECT_THROW(StoreArray(raw), CNotSupportedException);
     CArray<std::string> strings;
     strings.Add("x");
-    EXPECT_THROW(Store(strings), CNotSupportedException);
+    EXPECT_THROW(StoreArray(strings), CNotSupportedException);
     strings.RemoveAll();
-    EXPECT_EQ(Store(strings), Bytes({0x00, 0x00})); // nothing to lose when empty
+    EXPECT_EQ(StoreArray(strings), (Bytes{0x00, 0x00})); // nothing to lose when empty
 }

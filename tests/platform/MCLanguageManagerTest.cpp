@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -25,50 +27,44 @@ protected:
     CommonTestFolders m_folders;
 };
 
+// Tempo words the model shows, each under IDS_DM_TEMPO_ and its name in capitals.
+const char *const s_tempoWords[] = {
+    "Larghissimo", "Adagissimo", "Lentissimo", "Largo",       "Adagio",       "Lento",       "Larghetto",
+    "Adagietto",   "Andante",    "Andantino",  "Moderato",    "Allegretto",   "Allegro",     "Vivace",
+    "Vivo",        "Presto",     "Allegrissimo", "Vivacissimo", "Prestissimo", "Accelerando", "Rallentando",
+    "Ritardando",  "Rubato"};
+
 struct KnownKey
 {
-    const char *section;
-    const char *key;
-    const char *text; // the required English text, or null when any text will do
+    std::string section;
+    std::string key;
+    std::string text; // the required English text, or empty when any text will do
 };
 
 // Every key the library looks up, with the texts the model depends on.
-const KnownKey s_knownKeys[] = {
-    {"DataModel", "IDS_DM_TEMPO_LARGHISSIMO", "Larghissimo"},
-    {"DataModel", "IDS_DM_TEMPO_ADAGISSIMO", "Adagissimo"},
-    {"DataModel", "IDS_DM_TEMPO_LENTISSIMO", "Lentissimo"},
-    {"DataModel", "IDS_DM_TEMPO_LARGO", "Largo"},
-    {"DataModel", "IDS_DM_TEMPO_ADAGIO", "Adagio"},
-    {"DataModel", "IDS_DM_TEMPO_LENTO", "Lento"},
-    {"DataModel", "IDS_DM_TEMPO_LARGHETTO", "Larghetto"},
-    {"DataModel", "IDS_DM_TEMPO_ADAGIETTO", "Adagietto"},
-    {"DataModel", "IDS_DM_TEMPO_ANDANTE", "Andante"},
-    {"DataModel", "IDS_DM_TEMPO_ANDANTINO", "Andantino"},
-    {"DataModel", "IDS_DM_TEMPO_MODERATO", "Moderato"},
-    {"DataModel", "IDS_DM_TEMPO_ALLEGRETTO", "Allegretto"},
-    {"DataModel", "IDS_DM_TEMPO_ALLEGRO", "Allegro"},
-    {"DataModel", "IDS_DM_TEMPO_VIVACE", "Vivace"},
-    {"DataModel", "IDS_DM_TEMPO_VIVO", "Vivo"},
-    {"DataModel", "IDS_DM_TEMPO_PRESTO", "Presto"},
-    {"DataModel", "IDS_DM_TEMPO_ALLEGRISSIMO", "Allegrissimo"},
-    {"DataModel", "IDS_DM_TEMPO_VIVACISSIMO", "Vivacissimo"},
-    {"DataModel", "IDS_DM_TEMPO_PRESTISSIMO", "Prestissimo"},
-    {"DataModel", "IDS_DM_TEMPO_ACCELERANDO", "Accelerando"},
-    {"DataModel", "IDS_DM_TEMPO_RALLENTANDO", "Rallentando"},
-    {"DataModel", "IDS_DM_TEMPO_RITARDANDO", "Ritardando"},
-    {"DataModel", "IDS_DM_PAUSE_GP", "G.P."},
-    {"DataModel", "IDS_DM_PAUSE_LP", "L.P."},
-    {"DataModel", "IDS_DM_TEMPO_ATEMPO", "a tempo"},
-    {"DataModel", "IDS_DM_TEMPO_RUBATO", "Rubato"},
-    {"DataModel", "IDS_MSG_REMOVE_FIRST_TEMPO", nullptr},
-    {"DataModel", "IDS_MSG_REMOVE_FIRST_PROGRAMCHANGE", nullptr},
-    {"TuDataModel_Misc_XMLInstrumentParser", "IDD_DM_MB_TEXT15", nullptr},
-    {"TuDataModel_Misc_XMLInstrumentParser", "IDD_DM_MB_TEXT16", nullptr},
-    {"Util", "ERROR_SAVE_FILE_F", nullptr},
-    {"TuDataModel_Plugins_CPlugins", "IDD_DM_MB_TEXT1", nullptr},
-    {"TuDataModel_Plugins_CPlugins", "IDD_DM_MB_TEXT2", nullptr},
-    {"TuDataModel_Plugins_CPlugins", "IDD_DM_MB_TEXT3", nullptr},
-};
+std::vector<KnownKey> KnownKeys()
+{
+    std::vector<KnownKey> keys = {
+        {"DataModel", "IDS_DM_PAUSE_GP", "G.P."},
+        {"DataModel", "IDS_DM_PAUSE_LP", "L.P."},
+        {"DataModel", "IDS_DM_TEMPO_ATEMPO", "a tempo"},
+        {"DataModel", "IDS_MSG_REMOVE_FIRST_TEMPO", ""},
+        {"DataModel", "IDS_MSG_REMOVE_FIRST_PROGRAMCHANGE", ""},
+        {"TuDataModel_Misc_XMLInstrumentParser", "IDD_DM_MB_TEXT15", ""},
+        {"TuDataModel_Misc_XMLInstrumentParser", "IDD_DM_MB_TEXT16", ""},
+        {"Util", "ERROR_SAVE_FILE_F", ""},
+    };
+    for (int i = 1; i <= 3; ++i)
+        keys.push_back({"TuDataModel_Plugins_CPlugins", "IDD_DM_MB_TEXT" + std::to_string(i), ""});
+    for (std::string word : s_tempoWords)
+    {
+        std::string key = "IDS_DM_TEMPO_";
+        for (char c : word)
+            key += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        keys.push_back({"DataModel", key, word});
+    }
+    return keys;
+}
 
 CString Text(const char *section, const char *key)
 {
@@ -79,27 +75,31 @@ CString Text(const char *section, const char *key)
 TEST_F(MCLanguageManagerTest, EveryShippedLanguageHasATextForEveryKeyTheLibraryLooksUp)
 {
     ASSERT_EQ(MCLanguageManager::GetLanguageId(), CString(L"EN"));
-    for (const KnownKey &k : s_knownKeys)
+    const std::vector<KnownKey> keys = KnownKeys();
+    for (const KnownKey &k : keys)
     {
-        if (k.text)
+        if (!k.text.empty())
         {
-            EXPECT_EQ(Text(k.section, k.key).ToUtf8(), k.text) << k.section << " " << k.key;
+            EXPECT_EQ(Text(k.section.c_str(), k.key.c_str()).ToUtf8(), k.text) << k.section << " " << k.key;
         }
     }
     for (const char *id : {"EN", "DE"})
     {
         ASSERT_TRUE(MCLanguageManager::LoadLanguage(CString(id))) << id;
-        for (const KnownKey &k : s_knownKeys)
-            EXPECT_FALSE(Text(k.section, k.key).IsEmpty()) << id << " " << k.section << " " << k.key;
+        for (const KnownKey &k : keys)
+            EXPECT_FALSE(Text(k.section.c_str(), k.key.c_str()).IsEmpty()) << id << " " << k.section << " " << k.key;
+        CString message;
+        message.Format(Text("Util", "ERROR_SAVE_FILE_F"), L"/tmp/x.xml");
+        EXPECT_NE(message.Find(L"/tmp/x.xml"), -1) << id << ": one place for the file name in " << message.ToUtf8();
     }
 }
 
-TEST_F(MCLanguageManagerTest, TheSaveErrorTextHasOnePlaceForTheFileName)
+TEST_F(MCLanguageManagerTest, NamesMatchWhateverTheirCaseAndUnknownOnesGiveAnEmptyText)
 {
-    const CString format = Text("Util", "ERROR_SAVE_FILE_F");
-    CString message;
-    message.Format(format, L"/tmp/x.xml");
-    EXPECT_NE(message.Find(L"/tmp/x.xml"), -1) << message.ToUtf8();
+    EXPECT_EQ(Text("datamodel", "ids_dm_tempo_largo"), CString(L"Largo"));
+    EXPECT_TRUE(Text("DataModel", "IDS_NO_SUCH_KEY").IsEmpty());
+    EXPECT_TRUE(Text("NoSuchSection", "IDS_DM_TEMPO_LARGO").IsEmpty());
+    EXPECT_TRUE(MCLanguageManager::GetText(L"Data\nModel", L"IDS_DM_TEMPO_LARGO").IsEmpty());
 }
 
 TEST_F(MCLanguageManagerTest, TheUndoMergeMarkerShipsEmptyUntilTheHostSetsIt)
@@ -116,14 +116,6 @@ TEST_F(MCLanguageManagerTest, TheUndoMergeMarkerShipsEmptyUntilTheHostSetsIt)
     EXPECT_EQ(Text("InternalSystemData", "ID_STRING_THE_SAME_ACTION"), CString(L"\u2261"));
     MCLanguageManager::ClearHostTexts();
     EXPECT_TRUE(Text("InternalSystemData", "ID_STRING_THE_SAME_ACTION").IsEmpty());
-}
-
-TEST_F(MCLanguageManagerTest, NamesMatchWhateverTheirCaseAndUnknownOnesGiveAnEmptyText)
-{
-    EXPECT_EQ(Text("datamodel", "ids_dm_tempo_largo"), CString(L"Largo"));
-    EXPECT_TRUE(Text("DataModel", "IDS_NO_SUCH_KEY").IsEmpty());
-    EXPECT_TRUE(Text("NoSuchSection", "IDS_DM_TEMPO_LARGO").IsEmpty());
-    EXPECT_TRUE(MCLanguageManager::GetText(L"Data\nModel", L"IDS_DM_TEMPO_LARGO").IsEmpty());
 }
 
 TEST_F(MCLanguageManagerTest, SwitchingLanguageByIdChangesTheTexts)
@@ -144,27 +136,22 @@ TEST_F(MCLanguageManagerTest, SwitchingLanguageByIdChangesTheTexts)
     }
 }
 
-TEST_F(MCLanguageManagerTest, KeysALanguageLacksFallBackToEnglish)
+TEST_F(MCLanguageManagerTest, KeysALanguageLacksFallBackToEnglishAndAHostsFolderComesFirst)
 {
     m_folders.WriteFile("data/languages/EN.lang", "[S]\nBOTH=english both\nONLY_EN=english only\n");
     m_folders.WriteFile("data/languages/FR.lang", "[S]\nBOTH=fran\xC3\xA7" "ais\n");
     m_folders.Set("SCOREMODEL_DATA_DIR", (m_folders.Root() / "data").string());
+    EXPECT_EQ(Text("S", "BOTH"), CString(L"english both")) << "a changed data folder is reread";
     ASSERT_TRUE(MCLanguageManager::LoadLanguage(L"fr"));
     EXPECT_EQ(Text("S", "BOTH"), CString(L"fran\u00E7ais"));
     EXPECT_EQ(Text("S", "ONLY_EN"), CString(L"english only"));
     EXPECT_TRUE(Text("S", "NEITHER").IsEmpty());
-}
 
-TEST_F(MCLanguageManagerTest, ChangingTheDataFolderOrTheHostsFolderRereadsTheTexts)
-{
-    m_folders.WriteFile("data/languages/EN.lang", "[DataModel]\nIDS_DM_TEMPO_LARGO=Broad\n");
-    m_folders.Set("SCOREMODEL_DATA_DIR", (m_folders.Root() / "data").string());
-    EXPECT_EQ(Text("DataModel", "IDS_DM_TEMPO_LARGO"), CString(L"Broad"));
-    m_folders.WriteFile("host/EN.lang", "[DataModel]\nIDS_DM_TEMPO_LARGO=Host largo\n");
+    m_folders.WriteFile("host/FR.lang", "[S]\nBOTH=h\xC3\xB4te\n");
     MCLanguageManager::SetLanguageFolder(CString((m_folders.Root() / "host").string().c_str()));
-    EXPECT_EQ(Text("DataModel", "IDS_DM_TEMPO_LARGO"), CString(L"Host largo"));
+    EXPECT_EQ(Text("S", "BOTH"), CString(L"h\u00F4te"));
     MCLanguageManager::SetLanguageFolder(CString());
-    EXPECT_EQ(Text("DataModel", "IDS_DM_TEMPO_LARGO"), CString(L"Broad"));
+    EXPECT_EQ(Text("S", "BOTH"), CString(L"fran\u00E7ais"));
 }
 
 TEST_F(MCLanguageManagerTest, MissingOrGarbledFilesGiveEmptyTextsNotACrash)
