@@ -47,12 +47,13 @@ private:
 
 TEST(MCTime, NamedValuesHaveTheExactFloatBitsAndOrderAroundZero)
 {
-    EXPECT_EQ(Bits(MCTime::TimeMax().GetSeconds()), 0x7F7FFFFFu);
-    EXPECT_EQ(Bits(MCTime::TimeNull().GetSeconds()), 0xFF7FFFFFu);
-    EXPECT_EQ(Bits(MCTime::TimeZero().GetSeconds()), 0u);
-    for (const MCTime *t : {&MCTime::TimeMax(), &MCTime::TimeNull(), &MCTime::TimeZero()})
-        EXPECT_EQ(t->GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_EQ(&MCTime::TimeNull(), &MCTime::TimeNull()) << "constants must have static lifetime";
+    const std::pair<const MCTime &, std::uint32_t> named[] = {
+        {MCTime::TimeMax(), 0x7F7FFFFFu}, {MCTime::TimeNull(), 0xFF7FFFFFu}, {MCTime::TimeZero(), 0u}};
+    for (const auto &[t, bits] : named)
+    {
+        EXPECT_EQ(Bits(t.GetSeconds()), bits);
+        EXPECT_EQ(t.GetMode(), MCTime::TimeModeNormalized);
+    }
     EXPECT_TRUE(MCTime::TimeNull() < MCTime::TimeZero());
     EXPECT_TRUE(MCTime::TimeMax() > MCTime::TimeZero());
     EXPECT_LE(sizeof(MCTime), 2 * sizeof(void *)) << "a float time is one word and a byte";

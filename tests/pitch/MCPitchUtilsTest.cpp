@@ -48,6 +48,20 @@ bool IsPerfectKind(int size)
     return step == 0 || step == 3 || step == 4;
 }
 
+// Semitones a quality adds to the plain (perfect or major) interval of its
+// size; a quality that does not exist for that size, or the triply
+// diminished one of a major kind, counts as plain.
+int QualityOffset(int quality, int size)
+{
+    for (const QualityRow &row : kQualities)
+        if (row.quality == quality)
+        {
+            const int offset = IsPerfectKind(size) ? row.fromPerfect : row.fromMajor;
+            return offset == kNone || (!IsPerfectKind(size) && quality == ddd) ? 0 : offset;
+        }
+    return 0;
+}
+
 // The quality musicians give an interval of `size` steps spanning `semitones`
 // (both counted upward), or QualityPerfect when no named quality fits.
 int TheoryQuality(int size, int semitones)
@@ -151,9 +165,7 @@ TEST(MCPitchUtilsQuality, QualityDifferenceCountsSemitonesBetweenQualitiesOfOneS
     {
         for (int size : {0, 3, 4, 7, 1, 2, 5, 6, 9})
         {
-            int offset = IsPerfectKind(size) ? row.fromPerfect : row.fromMajor;
-            if (offset == kNone || (!IsPerfectKind(size) && row.quality == ddd))
-                offset = 0; // no such quality here, or one that cannot be asked for: counts as plain
+            const int offset = QualityOffset(row.quality, size);
             const int plain = IsPerfectKind(size) ? P : M;
             SCOPED_TRACE("quality " + std::to_string(row.quality) + " size " + std::to_string(size));
             for (bool foundDown : {false, true})
@@ -229,21 +241,15 @@ TEST(MCPitchUtilsInterval, PitchClassIntervalOfADescentNamesTheRiseToTheSameLett
     EXPECT_INTERVAL(utils.OrderedPCInterval(Spelled("C4"), Spelled("E5")), M, 2, false);
     EXPECT_INTERVAL(utils.OrderedPCInterval(Spelled("C5"), Spelled("C4")), P, 0, true);
     EXPECT_INTERVAL(utils.OrderedPCInterval(Spelled("C4"), Spelled("Cb4")), d, 0, true);
-}
 
-TEST(MCPitchUtilsInterval, UnorderedPitchClassIntervalTakesTheSmallerSizeAndTheSecondOnATie)
-{
-    MCPitchUtils utils;
+    // Unordered: the smaller size; unisons tie at size 0 and the form from
+    // the second pitch to the first wins.
     EXPECT_INTERVAL(utils.UnorderedPCInterval(Spelled("E4"), Spelled("C4")), M, 2, false);
     EXPECT_INTERVAL(utils.UnorderedPCInterval(Spelled("C4"), Spelled("A4")), m, 2, true);
-    // Unisons tie at size 0: the form from the second pitch to the first wins.
     EXPECT_INTERVAL(utils.UnorderedPCInterval(Spelled("C4"), Spelled("C#4")), d, 0, true);
     EXPECT_INTERVAL(utils.UnorderedPCInterval(Spelled("C#4"), Spelled("C4")), A, 0, false);
-}
 
-TEST(MCPitchUtilsInterval, KeyToKeyIntervalRunsBetweenTheTonics)
-{
-    MCPitchUtils utils;
+    // Between keys the interval runs between the tonics.
     EXPECT_INTERVAL(utils.OrderedPCInterval(0, 0, 1, 0, 0), P, 4, false); // C up to G
     EXPECT_INTERVAL(utils.OrderedPCInterval(0, 0, 1, 0, 1), P, 3, true);  // G down to C
     EXPECT_INTERVAL(utils.OrderedPCInterval(0, 2, 3, 0, 0), M, 6, true);  // B flat down to A
@@ -265,20 +271,6 @@ TEST(MCPitchUtilsFromInterval, AQualityBeyondADoubleAccidentalIsRespelledFromIts
 
 namespace
 {
-// Semitones a quality adds to the plain (perfect or major) interval of its
-// size; a quality that does not exist for that size, or the triply
-// diminished one of a major kind, counts as plain.
-int QualityOffset(int quality, int size)
-{
-    for (const QualityRow &row : kQualities)
-        if (row.quality == quality)
-        {
-            const int offset = IsPerfectKind(size) ? row.fromPerfect : row.fromMajor;
-            return offset == kNone || (!IsPerfectKind(size) && quality == ddd) ? 0 : offset;
-        }
-    return 0;
-}
-
 // The pitch the interval leads to by ordinary theory: the letter `size`
 // steps on, sounding the plain interval plus the quality's offset. A pitch
 // holds at most a double accidental, so past that it is spelled from its
