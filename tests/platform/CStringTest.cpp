@@ -15,97 +15,6 @@ std::wstring W(const CString &s) { return std::wstring(s.GetString(), static_cas
 
 // ---- Formatting ----------------------------------------------------------------
 
-TEST(CStringFormat, ConversionsMatchThePlatform)
-{
-    struct Case
-    {
-        const wchar_t *expected;
-        CString actual;
-    };
-    auto f = [](const wchar_t *fmt, auto... args) {
-        CString s;
-        s.Format(fmt, args...);
-        return s;
-    };
-    const short negativeShort = -2;
-    const LONG negativeLong = -1;
-    const Case cases[] = {
-        {L"4294967295", f(L"%u", -1)},
-        {L"-2", f(L"%hd", negativeShort)},
-        {L"4464 44", f(L"%hd %hhu", 70000, 300)},
-        // long is 32 bits on the platform: a LONG with %ld must not pick up
-        // stray high bits.
-        {L"-1 4294967295", f(L"%ld %lu", negativeLong, negativeLong)},
-        {L"1099511627776 -1099511627776", f(L"%lld %I64d", 1LL << 40, -(1LL << 40))},
-        {L"[7   ]", f(L"[%*d]", -4, 7)},
-        {L"[ab]", f(L"[%.*s]", 2, L"abcdef")},
-        {L"(null)", f(L"%s", static_cast<const wchar_t *>(nullptr))},
-        {L"Z \u00e9 A", f(L"%c %c %C", L'Z', L'\u00e9', 'A')},
-        {L"trailing %", f(L"trailing %")},
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(std::wstring(c.expected), W(c.actual));
-}
-
-TEST(CStringFormat, WideStringTakesPercentSAndNarrowUtf8TakesCapitalS)
-{
-    CString s;
-    s.Format(L"%s|%S|%hs|%ls", L"Fl\u00f6te", "na\xc3\xafve", "b\xc3\xa4r", L"\U0001F3B5");
-    EXPECT_EQ(L"Fl\u00f6te|na\u00efve|b\u00e4r|\U0001F3B5", W(s));
-
-    CStringA a;
-    a.Format("%s|%S|%ls|%C", "x", L"\u00e9", L"\u4e2d", L'\u00fc');
-    EXPECT_STREQ("x|\xc3\xa9|\xe4\xb8\xad|\xc3\xbc", a.GetString());
-}
-
-TEST(CStringFormat, FormattingIntoItselfKeepsTheOldValue)
-{
-    CString s(L"abc");
-    s.Format(L"<%s>", s);
-    EXPECT_EQ(L"<abc>", W(s));
-    s.Format(s + L"%d", 1);
-    EXPECT_EQ(L"<abc>1", W(s));
-}
-
-TEST(CStringFormat, LongOutputIsNotTruncated)
-{
-    const std::wstring big(5000, L'x');
-    CString s;
-    s.Format(L"%s|%300d|%.200f", big.c_str(), 5, 1.0);
-    EXPECT_EQ(5000 + 1 + 300 + 1 + 202, s.GetLength());
-    EXPECT_EQ(L'5', s[5000 + 300]);
-    EXPECT_EQ(L'1', s[5000 + 1 + 300 + 1]);
-}
-
-TEST(CStringFormat, ArgumentsAreReadByTheirRealType)
-{
-    CString s;
-    s.Format(L"%s|%S", "b\xc3\xa4r", L"\u00e9") ;
-    EXPECT_EQ(L"b\u00e4r|\u00e9", W(s)) << "a string prints right whichever of %s/%S names it";
-    const long big = 5000000000L;
-    const DWORD dw = 0xFFFFFFFFu;
-    s.Format(L"%ld %lu %lld %d", big, dw, 7, true);
-    EXPECT_EQ(L"5000000000 4294967295 7 1", W(s));
-    s.Format(L"%f %d%%", 3, 50);
-    EXPECT_EQ(L"3.000000 50%", W(s)) << "an integer given to %f is its value";
-    s.Format(L"%s/%S", CString(L"Oboe"), CStringA("bytes"));
-    EXPECT_EQ(L"Oboe/bytes", W(s)) << "string objects pass as their text";
-}
-
-TEST(CStringFormat, TooFewOrWrongArgumentsThrowInsteadOfReadingGarbage)
-{
-    CString s(L"kept");
-    EXPECT_THROW(s.Format(L"%d %d", 1), CInvalidArgException);
-    EXPECT_THROW(s.Format(L"%s", 42), CInvalidArgException);
-    EXPECT_THROW(s.Format(L"%d", L"text"), CInvalidArgException);
-    EXPECT_THROW(s.Format(L"%*d", 1.5, 2), CInvalidArgException);
-    EXPECT_EQ(L"kept", W(s)) << "a failed Format leaves the string alone";
-    s.Format(L"%s", nullptr);
-    EXPECT_EQ(L"(null)", W(s));
-    s.Format(L"%d", 1, 2, 3);
-    EXPECT_EQ(L"1", W(s)) << "extra arguments are ignored";
-}
-
 CString FormatThroughVaList(const wchar_t *fmt, ...)
 {
     va_list ap;
@@ -116,25 +25,81 @@ CString FormatThroughVaList(const wchar_t *fmt, ...)
     return s;
 }
 
-TEST(CStringFormat, VaListFormattingFollowsThePlatformWidths)
+TEST(CStringFormat, ConversionsFollowThePlatformWidthsAndEachArgumentsRealType)
 {
-    const LONG minusOne = -1;
-    EXPECT_EQ(L">-1 4294967295 ab \u00e9 x", W(FormatThroughVaList(L"%ld %lu %s %S %hc", minusOne, minusOne, L"ab",
-                                                                   "\xc3\xa9", 'x')));
+    auto f = [](const wchar_t *fmt, auto... args) {
+        CString s;
+        s.Format(fmt, args...);
+        return s;
+    };
+    const short negativeShort = -2;
+    const LONG negativeLong = -1;
+    const long big = 5000000000L;
+    const std::pair<const wchar_t *, CString> cases[] = {
+        {L"4294967295", f(L"%u", -1)},
+        {L"-2", f(L"%hd", negativeShort)},
+        {L"4464 44", f(L"%hd %hhu", 70000, 300)},
+        // long is 32 bits on the platform: a LONG with %ld must not pick up
+        // stray high bits, through a va_list too.
+        {L"-1 4294967295", f(L"%ld %lu", negativeLong, negativeLong)},
+        {L">-1 4294967295 ab \u00e9 x", FormatThroughVaList(L"%ld %lu %s %S %hc", negativeLong, negativeLong, L"ab",
+                                                             "\xc3\xa9", 'x')},
+        {L"1099511627776 -1099511627776", f(L"%lld %I64d", 1LL << 40, -(1LL << 40))},
+        {L"[7   ]", f(L"[%*d]", -4, 7)},
+        {L"[ab]", f(L"[%.*s]", 2, L"abcdef")},
+        {L"(null)", f(L"%s", static_cast<const wchar_t *>(nullptr))},
+        {L"(null)", f(L"%s", nullptr)},
+        {L"Z \u00e9 A", f(L"%c %c %C", L'Z', L'\u00e9', 'A')},
+        {L"trailing %", f(L"trailing %")},
+        {L"%k %y", f(L"%k %y")}, // unknown conversions appear as written
+        {L"1", f(L"%d", 1, 2, 3)}, // extra arguments are ignored
+        // Wide text takes %s and narrow UTF-8 %S, but a string prints right
+        // whichever of the two names it, and string objects pass as their text.
+        {L"Fl\u00f6te|na\u00efve|b\u00e4r|\U0001F3B5",
+         f(L"%s|%S|%hs|%ls", L"Fl\u00f6te", "na\xc3\xafve", "b\xc3\xa4r", L"\U0001F3B5")},
+        {L"b\u00e4r|\u00e9", f(L"%s|%S", "b\xc3\xa4r", L"\u00e9")},
+        {L"Oboe/bytes", f(L"%s/%S", CString(L"Oboe"), CStringA("bytes"))},
+        {L"5000000000 4294967295 7 1", f(L"%ld %lu %lld %d", big, DWORD(0xFFFFFFFFu), 7, true)},
+        {L"3.000000 50%", f(L"%f %d%%", 3, 50)}, // an integer given to %f is its value
+    };
+    for (const auto &[expected, actual] : cases)
+        EXPECT_EQ(std::wstring(expected), W(actual));
+
+    CStringA a;
+    a.Format("%s|%S|%ls|%C", "x", L"\u00e9", L"\u4e2d", L'\u00fc');
+    EXPECT_STREQ("x|\xc3\xa9|\xe4\xb8\xad|\xc3\xbc", a.GetString());
 }
 
-TEST(CStringFormat, HostileSpecsNeitherCrashNorWriteThroughArguments)
+TEST(CStringFormat, FormattingIntoItselfKeepsTheOldValueAndLongOutputIsWhole)
 {
-    CString s;
+    CString s(L"abc");
+    s.Format(L"<%s>", s);
+    EXPECT_EQ(L"<abc>", W(s));
+    s.Format(s + L"%d", 1);
+    EXPECT_EQ(L"<abc>1", W(s));
+
+    const std::wstring big(5000, L'x');
+    s.Format(L"%s|%300d|%.200f", big.c_str(), 5, 1.0);
+    EXPECT_EQ(5000 + 1 + 300 + 1 + 202, s.GetLength());
+    EXPECT_EQ(L'5', s[5000 + 300]);
+    EXPECT_EQ(L'1', s[5000 + 1 + 300 + 1]);
+}
+
+TEST(CStringFormat, MissingWrongOrHostileArgumentsThrowAndNeverWriteThroughAPointer)
+{
+    CString s(L"kept");
+    EXPECT_THROW(s.Format(L"%d %d", 1), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%s", 42), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%d", L"text"), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%*d", 1.5, 2), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%999999999d", 1), CInvalidArgException);
+    EXPECT_THROW(s.Format(L"%*d", 2000000000, 1), CInvalidArgException);
+    EXPECT_THROW(s.Format(static_cast<const wchar_t *>(nullptr)), CInvalidArgException);
+    EXPECT_EQ(L"kept", W(s)) << "a failed Format leaves the string alone";
     int target = 1234;
     s.Format(L"a%nb", &target);
     EXPECT_EQ(L"ab", W(s));
     EXPECT_EQ(1234, target);
-    s.Format(L"%k %y");
-    EXPECT_EQ(L"%k %y", W(s)) << "unknown conversions appear as written";
-    EXPECT_THROW(s.Format(L"%999999999d", 1), CInvalidArgException);
-    EXPECT_THROW(s.Format(L"%*d", 2000000000, 1), CInvalidArgException);
-    EXPECT_THROW(s.Format(static_cast<const wchar_t *>(nullptr)), CInvalidArgException);
 }
 
 // ---- Substrings and searching -------------------------------------------------------
@@ -396,7 +361,7 @@ TEST(CStringUtf8, InvalidBytesBecomeOneReplacementEach)
     }
 }
 
-TEST(CStringUtf8, UnencodableWideCharactersBecomeReplacement)
+TEST(CStringUtf8, UnencodableWideCharactersBecomeReplacementAndNullArgumentsAreSafe)
 {
     const wchar_t loneHigh[] = {L'a', static_cast<wchar_t>(0xD800), L'b', 0};
     const wchar_t pair[] = {static_cast<wchar_t>(0xD83C), static_cast<wchar_t>(0xDFB5), 0};
@@ -404,10 +369,7 @@ TEST(CStringUtf8, UnencodableWideCharactersBecomeReplacement)
     EXPECT_EQ("a\xef\xbf\xbd" "b", CString(loneHigh).ToUtf8());
     EXPECT_EQ("\xf0\x9f\x8e\xb5", CString(pair).ToUtf8()) << "a UTF-16 pair joins into one character";
     EXPECT_EQ("\xef\xbf\xbd\xef\xbf\xbd", CString(beyond).ToUtf8());
-}
 
-TEST(CStringUtf8, NullAndLengthArgumentsAreSafe)
-{
     EXPECT_TRUE(CString::FromUtf8(static_cast<const char *>(nullptr)).IsEmpty());
     EXPECT_TRUE(CString(static_cast<const char *>(nullptr)).IsEmpty());
     EXPECT_TRUE(CStringA(static_cast<const wchar_t *>(nullptr)).IsEmpty());
