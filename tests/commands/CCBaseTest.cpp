@@ -37,7 +37,7 @@ std::vector<ECBase *> Listed(CCBase::EventList *list)
 }
 } // namespace
 
-TEST(CCBaseDiscard, ListStopsForGoodAtTheFirstEventAlreadyDiscarded)
+TEST(CCBaseDiscard, ListStopsAtTheFirstEventAlreadyListedAndProcessingDetachesThem)
 {
     DiscardTree t;
     auto *cmd = new TestCommand(nullptr, "x");
@@ -54,23 +54,21 @@ TEST(CCBaseDiscard, ListStopsForGoodAtTheFirstEventAlreadyDiscarded)
     more.RemoveAll();
     cmd->DiscardMirrors(t.c); // holds no mirrors
     EXPECT_EQ(cmd->GetDiscardList()->GetCount(), 2);
-    cmd->Unref(1);
-}
 
-TEST(CCBaseDiscard, ProcessDetachesParentsAndChildrenAndDropsTheList)
-{
-    DiscardTree t;
-    t.a->Ref(); // held, as a command holds what it takes out
-    auto *cmd = new TestCommand(nullptr, "x");
-    cmd->Ref();
-    cmd->Discard(t.a);
+    // Processing detaches parents and children and drops the list.
+    for (ECBase *e : {t.a, t.b})
+        e->Ref(); // held, as a command holds what it takes out
     cmd->ProcessDiscardList();
     EXPECT_EQ(cmd->GetDiscardList(), nullptr);
-    EXPECT_TRUE(t.a->GetParents()->IsEmpty());
-    EXPECT_TRUE(t.a->GetChildren()->IsEmpty());
-    EXPECT_EQ(t.doc->GetChildren()->Find(t.a), nullptr);
-    EXPECT_EQ(t.a->GetRefCount(), 1);
-    t.a->Unref(1);
+    for (ECBase *e : {t.a, t.b})
+    {
+        EXPECT_TRUE(e->GetParents()->IsEmpty());
+        EXPECT_TRUE(e->GetChildren() == nullptr || e->GetChildren()->IsEmpty());
+        EXPECT_EQ(t.doc->GetChildren()->Find(e), nullptr);
+        EXPECT_EQ(e->GetRefCount(), 1);
+        e->Unref(1);
+    }
+    EXPECT_NE(t.doc->GetChildren()->Find(t.c), nullptr) << "an event off the list was taken out";
     cmd->Unref(1);
 }
 

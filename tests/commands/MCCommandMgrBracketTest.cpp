@@ -22,15 +22,6 @@ TEST_F(Brackets, StepIsFiledAndAnnouncedOnceWhenTheBracketCloses)
     EXPECT_EQ(s, CString(L"Add"));
 }
 
-TEST_F(Brackets, CommandOutsideAnyBracketChangesTheTreeSilently)
-{
-    Run("a");
-    EXPECT_EQ(ChildCount(), 2);
-    EXPECT_TRUE(m_states.empty());
-    EXPECT_EQ(m_doc->GetUndoCount(), 0);
-    EXPECT_EQ(m_doc->GetUndoIndex(), -1);
-}
-
 TEST_F(Brackets, CommandThatCannotUndoIsAnnouncedButNotFiled)
 {
     CString name(L"x");
@@ -104,12 +95,17 @@ TEST_F(Brackets, UndoAndRedoRestoreTheSameObjects)
     EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Ra", "Fa", "Ua", "Pa", "Ra", "Fa"}));
 }
 
-TEST_F(Brackets, EmptyOrClearedHistoryRefusesUndoAndStrings)
+TEST_F(Brackets, WithoutABracketNothingIsFiledAndAnEmptyOrClearedHistoryRefusesUndoAndStrings)
 {
+    Run("a"); // changes the tree silently
+    EXPECT_EQ(ChildCount(), 2);
+    EXPECT_TRUE(m_states.empty());
+    EXPECT_EQ(m_doc->GetUndoCount(), 0);
+    EXPECT_EQ(m_doc->GetUndoIndex(), -1);
     CString s(L"stale");
     EXPECT_EQ(m_doc->GetUndoString(s, -1), 0);
     EXPECT_TRUE(s.IsEmpty());
-    Step("a");
+    Step("b");
     EXPECT_EQ(m_doc->ClearUndo(), 1);
     EXPECT_EQ(m_doc->GetUndoIndex(), -1);
     EXPECT_EQ(m_doc->Undo(1), 0);
@@ -128,8 +124,20 @@ TEST_F(Brackets, ApplyingAnEmptyListOrNothingIsRefused)
 
 // ---- Limits ----
 
-TEST_F(Brackets, OldestStepGoesToTheTrashPastTheLimit)
+TEST_F(Brackets, LevelsAreClampedAndPastThemTheOldestStepGoesToTheTrash)
 {
+    const std::pair<int, int> cases[] = {{-5, 0}, {0, 0}, {10000000, 10000000}, {10000001, 10000000}, {77, 77}};
+    for (const auto &[given, kept] : cases)
+    {
+        MCCommandMgr::SetUndoLevels(given);
+        EXPECT_EQ(MCCommandMgr::GetUndoLevels(), kept) << given;
+    }
+    MCCommandMgr::SetUndoLevels(0); // each step is trashed at once
+    Step("a");
+    EXPECT_EQ(m_doc->GetUndoCount(), 0);
+    EXPECT_EQ(m_doc->GetUndoIndex(), 0);
+    EXPECT_EQ(m_doc->Undo(1), 0);
+
     MCCommandMgr::SetUndoLevels(MCCommandMgr::DefaultUndoLevels);
     for (int i = 0; i < 251; ++i)
         Step(std::to_string(i));
@@ -138,25 +146,6 @@ TEST_F(Brackets, OldestStepGoesToTheTrashPastTheLimit)
     m_doc->GetUndoString(oldest, 249);
     EXPECT_EQ(oldest, CString(L"1"));
     EXPECT_GE(MCCommandMgr::GetTrashCount(), 1);
-}
-
-TEST_F(Brackets, LimitZeroTrashesEachStepAtOnce)
-{
-    MCCommandMgr::SetUndoLevels(0);
-    Step("a");
-    EXPECT_EQ(m_doc->GetUndoCount(), 0);
-    EXPECT_EQ(m_doc->GetUndoIndex(), 0);
-    EXPECT_EQ(m_doc->Undo(1), 0);
-}
-
-TEST_F(Brackets, UndoLevelsAreClamped)
-{
-    const std::pair<int, int> cases[] = {{-5, 0}, {0, 0}, {10000000, 10000000}, {10000001, 10000000}, {77, 77}};
-    for (const auto &[given, kept] : cases)
-    {
-        MCCommandMgr::SetUndoLevels(given);
-        EXPECT_EQ(MCCommandMgr::GetUndoLevels(), kept) << given;
-    }
 }
 
 // ---- The trash ----

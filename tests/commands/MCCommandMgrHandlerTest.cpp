@@ -75,22 +75,7 @@ TEST_F(Handlers, PhaseOneRefusalKeepsTheChangeWithoutStepOrNotification)
     EXPECT_EQ(m_doc->Undo(1), 0);
 }
 
-TEST_F(Handlers, HandlersSeeTheBatchAndGoWhenRemoved)
-{
-    ScriptedHandler seen{[](int, int) { return 1; }};
-    m_doc->AddCommandHandler(&ScriptedHandler::Call, &seen);
-    CTypedPtrList<MCCommandList, CCBase *> list;
-    list.AddTail(Make("a"));
-    list.AddTail(Make("b"));
-    list.Apply(m_doc);
-    EXPECT_EQ(seen.lastBatchSize, 2u);
-    EXPECT_EQ(seen.calls[0], 1);
-    m_doc->RemoveCommandHandlers();
-    Run("c");
-    EXPECT_EQ(seen.calls[0], 1);
-}
-
-TEST_F(Handlers, InsertedBeforeTheIndexOrAppended)
+TEST_F(Handlers, HandlersSeeTheBatchRunInsertedBeforeTheirIndexOrAppendedAndGoWhenRemoved)
 {
     static std::vector<intptr_t> s_order;
     s_order.clear();
@@ -102,14 +87,24 @@ TEST_F(Handlers, InsertedBeforeTheIndexOrAppended)
     Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(1), 5);
     Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(2), 0);
     Mgr().AddCommandHandler(handler, reinterpret_cast<void *>(3), 1);
-    m_doc->AddCommandHandler(handler, reinterpret_cast<void *>(4));
-    Run("a");
-    EXPECT_EQ(s_order, (std::vector<intptr_t>{2, 3, 1, 4}));
+    ScriptedHandler seen{[](int, int) { return 1; }};
+    m_doc->AddCommandHandler(&ScriptedHandler::Call, &seen);
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    list.AddTail(Make("a"));
+    list.AddTail(Make("b"));
+    list.Apply(m_doc);
+    EXPECT_EQ(s_order, (std::vector<intptr_t>{2, 3, 1}));
+    EXPECT_EQ(seen.lastBatchSize, 2u);
+    EXPECT_EQ(seen.calls[0], 1) << "the appended handler did not run last";
+    m_doc->RemoveCommandHandlers();
+    Run("c");
+    EXPECT_EQ(seen.calls[0], 1);
+    EXPECT_EQ(s_order.size(), 3u);
 }
 
 // ---- Refusals ----
 
-TEST_F(Handlers, RefusedPhaseAbortsWithA502AndStopsTheBatch)
+TEST_F(Handlers, RefusedPhaseAbortsWithA502AndStopsTheBatchAndNoConductorRefusesAtPrepare)
 {
     struct Case
     {
@@ -150,10 +145,9 @@ TEST_F(Handlers, RefusedPhaseAbortsWithA502AndStopsTheBatch)
         EXPECT_EQ(b->GetCommandPhase(), static_cast<unsigned>(c.phase));
         EXPECT_EQ(m_doc->Undo(1), 0) << "the counters stay raised after a refusal";
     }
-}
 
-TEST_F(Handlers, CommandWithoutAConductorRefusesAtPrepare)
-{
+    // A document without a conductor refuses at Prepare.
+    m_log.clear();
     ECPerformance *bare = new ECPerformance;
     bare->Ref();
     auto *cmd = Make("a");

@@ -1,0 +1,112 @@
+// The track commands: renumbering, undo and redo of the same objects, wave
+// tracks and the chord staff, and the tracks they refuse.
+#include "events/structure/TrackTestSupport.h"
+
+#include <scoremodel/commands/CCRemoveTrack.h>
+
+namespace
+{
+// Runs a synchronous removal of `track` in its own undo step; returns
+// whether the command got through Process.
+int Remove(ECPerformance *doc, ECTrack *track)
+{
+    auto *remove = new CCRemoveTrack(track);
+    remove->Ref();
+    remove->SetSynchronous(1);
+    CString name(L"remove");
+    MCCommandMgr::BeginUndo(doc, name);
+    remove->Apply(doc);
+    MCCommandMgr::EndUndo(doc);
+    const int removed = remove->GetCommandPhase() == CCBase::PhaseFinish;
+    remove->Unref(1);
+    return removed;
+}
+} // namespace
+
+using TrackCommands = TrackTest;
+
+TEST_F(TrackCommands, StavesAreRenumberedAndUndoAndRedoPutTheSameObjectBackAtItsNumber)
+{
+    CountedStaff *a = AddStaff();
+    CountedStaff *b = AddStaff();
+    auto *staff = new CountedStaff;
+    auto *add = new CCAddTrack(staff, 1);
+    add->Ref();
+    add->SetSynchronous(1);
+    BeginUndo();
+    add->Apply(m_doc);
+    EndUndo();
+    EXPECT_EQ(add->GetTrackNumber(), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{staff, a, b}));
+
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{a, b}));
+    EXPECT_EQ(a->GetTrack(), 1);
+    EXPECT_EQ(staff->GetParents()->GetCount(), 0);
+    EXPECT_EQ(g_liveTracks, 3) << "the command keeps the track alive";
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{staff, a, b}));
+    EXPECT_EQ(staff->GetTrack(), 1);
+    add->Unref(1);
+
+    // Removing the first staff moves the ones behind down.
+    ASSERT_TRUE(Remove(m_doc, staff));
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{a, b}));
+    EXPECT_EQ(a->GetTrack(), 1);
+    EXPECT_EQ(b->GetTrack(), 2);
+    EXPECT_EQ(staff->GetParents()->GetCount(), 0);
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{staff, a, b}));
+    EXPECT_EQ(b->GetTrack(), 3);
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{a, b}));
+
+    // Once the history lets go, the removed staff dies.
+    m_doc->ClearUndo();
+    MCCommandMgr::OnIdle();
+    EXPECT_EQ(g_liveTracks, 2);
+}
+
+TEST_F(TrackCommands, WaveTracksCarryNoInstrumentAndTheyAndTheChordStaffComeBackWhereTheyWere)
+{
+    CountedWaveTrack *w1 = AddWave();
+    BeginUndo();
+    ECTrack *w2 = m_conductor->GetTrack(3, 5, 1);
+    EndUndo();
+    ASSERT_NE(w2, nullptr);
+    EXPECT_EQ(Tracks(3), (std::vector<ECTrack *>{w1, w2})) << "a missing wave track is made at the end";
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Tracks(3), (std::vector<ECTrack *>{w1}));
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(Tracks(3), (std::vector<ECTrack *>{w1, w2}));
+    EXPECT_EQ(w2->GetTrack(), 2);
+
+    ECStaff *chord = m_conductor->GetChordStaff();
+    ASSERT_TRUE(Remove(m_doc, w1));
+    EXPECT_EQ(w2->GetTrack(), 1);
+    ASSERT_TRUE(Remove(m_doc, chord));
+    EXPECT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Tracks(3), (std::vector<ECTrack *>{w1, w2}));
+    EXPECT_EQ(w2->GetTrack(), 2);
+    EXPECT_EQ(m_conductor->GetChordStaff(), chord);
+}
+
+TEST_F(TrackCommands, TracksThatCannotBePlacedOrAreNotPlacedAreRefusedAndNotLeaked)
+{
+    CountedStaff *a = AddStaff();
+    // Placed already, no track at all, not a track the conductor takes, no document.
+    EXPECT_EQ(CCAddTrack::AddNow(m_doc, a, -1), nullptr);
+    EXPECT_EQ(CCAddTrack::AddNow(m_doc, nullptr, -1), nullptr);
+    EXPECT_EQ(CCAddTrack::AddNow(m_doc, static_cast<ECTrack *>(RUNTIME_CLASS(ECTrack)->CreateObject()), -1), nullptr);
+    EXPECT_EQ(CCAddTrack::AddNow(nullptr, new CountedStaff, -1), nullptr);
+    EXPECT_EQ(g_liveTracks, 1);
+
+    auto *stranger = new CountedStaff;
+    stranger->Ref();
+    EXPECT_FALSE(Remove(m_doc, stranger));
+    EXPECT_FALSE(Remove(m_doc, nullptr));
+    stranger->Unref(1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{a}));
+    EXPECT_EQ(m_doc->GetUndoCount(), 0);
+}
