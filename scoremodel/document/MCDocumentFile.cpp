@@ -111,8 +111,8 @@ void CheckTree(const std::vector<CObject *> &loaded, ECBase *root)
             orphans.push_back(event);
         addMembers(event);
         MCDataArray *data = event->GetData();
-        for (int i = 0; i < data->GetSize(); ++i)
-            if (DCBase *attachment = data->GetAt(i))
+        for (int slot = 0; slot < data->GetSize(); ++slot)
+            if (DCBase *attachment = data->GetAt(slot))
                 attached.insert(attachment);
     }
     for (ECBase *event : orphans)

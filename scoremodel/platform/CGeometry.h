@@ -57,6 +57,9 @@ public:
 
     bool operator==(SIZE s) const { return cx == s.cx && cy == s.cy; }
     bool operator!=(SIZE s) const { return !(*this == s); }
+    // Exact matches, so that C++20's reversed candidates leave no doubt.
+    bool operator==(const CSize &s) const { return *this == static_cast<const SIZE &>(s); }
+    bool operator!=(const CSize &s) const { return !(*this == s); }
 
     CSize &operator+=(SIZE s) { cx = GeoAdd(cx, s.cx); cy = GeoAdd(cy, s.cy); return *this; }
     CSize &operator-=(SIZE s) { cx = GeoSub(cx, s.cx); cy = GeoSub(cy, s.cy); return *this; }
@@ -92,6 +95,8 @@ public:
 
     bool operator==(POINT p) const { return x == p.x && y == p.y; }
     bool operator!=(POINT p) const { return !(*this == p); }
+    bool operator==(const CPoint &p) const { return *this == static_cast<const POINT &>(p); }
+    bool operator!=(const CPoint &p) const { return !(*this == p); }
 
     CPoint &operator+=(SIZE s) { Offset(s); return *this; }
     CPoint &operator-=(SIZE s) { Offset(GeoSub(0, s.cx), GeoSub(0, s.cy)); return *this; }
@@ -185,6 +190,8 @@ public:
 
     bool operator==(const RECT &r) const { return EqualRect(&r); }
     bool operator!=(const RECT &r) const { return !EqualRect(&r); }
+    bool operator==(const CRect &r) const { return EqualRect(&r); }
+    bool operator!=(const CRect &r) const { return !EqualRect(&r); }
     CRect &operator+=(POINT p) { OffsetRect(p); return *this; }
     CRect &operator+=(SIZE s) { OffsetRect(s); return *this; }
     CRect &operator+=(LPCRECT r) { InflateRect(r); return *this; }

@@ -76,7 +76,16 @@ public:
         return FromBase(Base().GetPrev(rPosition, pClass));
     }
     TYPE GetAt(POSITION position) const { return FromBase(Base().GetAt(position)); }
+    // Hides the base's untyped (virtual) SetAt on purpose: a typed list takes
+    // only its own type.
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Woverloaded-virtual"
+#endif
     void SetAt(POSITION position, TYPE newElement) { Base().SetAt(position, ToBase(newElement)); }
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
     // ---- Inserting ---------------------------------------------------------------
 

@@ -52,7 +52,7 @@ public:
 private:
     unsigned int m_bAutoDelete : 1;
     unsigned int m_bSynchronous : 1;
-    unsigned int m_nReserved : 6 = 0;
+    unsigned int : 6; // reserved bits between the flags and the code
     unsigned int m_nCode : 24;
     ECPerformance *m_pTarget = nullptr;
     int m_nPage = 0;

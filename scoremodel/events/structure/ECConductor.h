@@ -98,6 +98,7 @@ public:
     // track lookups. Kind 1 makes the chord staff when missing. 0 for any
     // other kind.
     ECTrack *GetTrack(int kind, int number, int create);
+    using ECBase::GetTrack; // the event's own track number
     // Sorts the child list: staves in the order of their numbers, then wave
     // tracks in theirs, then by time. With `orderStaves`, the conductor
     // staff first sorts its staff array by track number. Nothing without a
