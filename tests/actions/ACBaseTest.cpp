@@ -111,10 +111,10 @@ TEST(ACBaseTest, DepthLimitsTheLevelsBelowTheStart)
     }
 }
 
-TEST(ACBaseTest, EndActionRunsAtEveryEventUnlessLimitedOrReturnedEarly)
+TEST(ACBaseTest, EndActionRunsAtEveryEventUnlessLimitedOrReturnedEarlyAndAListApplySilencesItForGood)
 {
     SmallTree t;
-    Recorder unlimited, limited, skipping;
+    Recorder unlimited, limited, skipping, listed;
     unlimited.Apply(t.root);
     EXPECT_EQ(unlimited.ends, 6);
     limited.SetDepth(10);
@@ -123,18 +123,13 @@ TEST(ACBaseTest, EndActionRunsAtEveryEventUnlessLimitedOrReturnedEarly)
     skipping.answers.push_back({t.a, ACBase::ResultSkip});
     skipping.Apply(t.root);
     EXPECT_EQ(skipping.ends, 3);
-}
 
-TEST(ACBaseTest, ListApplyEndsOnceAndSilencesEndActionForGood)
-{
-    SmallTree t;
-    Recorder action;
-    EXPECT_EQ(action.Apply(t.root->GetChildren(), 0), ACBase::ResultContinue);
-    EXPECT_EQ(action.ends, 1);
-    action.Reset();
-    action.Apply(t.root);
-    EXPECT_EQ(action.ends, 1);
-    EXPECT_EQ(action.Apply(static_cast<ACBase::EventList *>(nullptr), 0), ACBase::ResultFailed);
+    EXPECT_EQ(listed.Apply(t.root->GetChildren(), 0), ACBase::ResultContinue);
+    EXPECT_EQ(listed.ends, 1);
+    listed.Reset();
+    listed.Apply(t.root);
+    EXPECT_EQ(listed.ends, 1);
+    EXPECT_EQ(listed.Apply(static_cast<ACBase::EventList *>(nullptr), 0), ACBase::ResultFailed);
 }
 
 TEST(ACBaseTest, ListApplyStopsOnTroubleUnlessToldToContinue)
