@@ -3,7 +3,7 @@
 
 using Brackets = CommandTest;
 
-TEST_F(Brackets, StepIsFiledAndAnnouncedOnceWhenTheBracketCloses)
+TEST_F(Brackets, StepIsFiledAndAnnouncedOnceWhenTheBracketClosesAndUndoRedoRestoreTheSameObjects)
 {
     CString name(L"Add");
     MCCommandMgr::BeginUndo(m_doc, name);
@@ -20,6 +20,18 @@ TEST_F(Brackets, StepIsFiledAndAnnouncedOnceWhenTheBracketCloses)
     CString s;
     EXPECT_EQ(m_doc->GetUndoString(s, -1), 1);
     EXPECT_EQ(s, CString(L"Add"));
+
+    // Undo and redo take out and put back the same objects, announced each time.
+    ECBase *added = b->GetEvent();
+    EXPECT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(ChildCount(), 1);
+    EXPECT_EQ(m_doc->Undo(1), 0) << "nothing left to undo";
+    EXPECT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(m_doc->GetChildren()->GetTail(), added);
+    EXPECT_EQ(m_doc->Redo(1), 0);
+    EXPECT_EQ(Codes(), (std::vector<unsigned>{500, 501, 500}));
+    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Ra", "Fa", "Pb", "Rb", "Fb", "Ub", "Ua", "Pa", "Pb", "Ra", "Rb",
+                                               "Fa", "Fb"}));
 }
 
 TEST_F(Brackets, CommandThatCannotUndoIsAnnouncedButNotFiled)
@@ -79,20 +91,6 @@ TEST_F(Brackets, NewStepDropsTheRedoBranch)
     EXPECT_TRUE(s.IsEmpty());
     m_doc->GetUndoString(s, 1);
     EXPECT_EQ(s, CString(L"2"));
-}
-
-TEST_F(Brackets, UndoAndRedoRestoreTheSameObjects)
-{
-    Step("a");
-    ECBase *added = m_held.back()->GetEvent();
-    EXPECT_EQ(m_doc->Undo(1), 1);
-    EXPECT_EQ(ChildCount(), 1);
-    EXPECT_EQ(m_doc->Undo(1), 0) << "nothing left to undo";
-    EXPECT_EQ(m_doc->Redo(1), 1);
-    EXPECT_EQ(m_doc->GetChildren()->GetTail(), added);
-    EXPECT_EQ(m_doc->Redo(1), 0);
-    EXPECT_EQ(Codes(), (std::vector<unsigned>{500, 501, 500}));
-    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Ra", "Fa", "Ua", "Pa", "Ra", "Fa"}));
 }
 
 TEST_F(Brackets, WithoutABracketNothingIsFiledAndAnEmptyOrClearedHistoryRefusesUndoAndStrings)

@@ -88,35 +88,6 @@ TEST(MCTime, TicksRoundHalvesDownMillisecondsRoundHalvesUpAndBothTruncateTowardZ
     EXPECT_EQ(MCTime(std::nanf("")).GetTicks(480), 0);
 }
 
-TEST(MCTime, TickSettersIgnoreZeroResolutionAndKeepClockMode)
-{
-    MCTime bpt(1, 2, 3, 480);
-    bpt.SetTicks(100.0f, 0);
-    bpt.AddTicks(100, 480);
-    ExpectBPT(bpt, 1, 2, 3, 480);
-    bpt.SetTicks(240.0f, 480);
-    EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_FLOAT_EQ(bpt.GetSeconds(), 0.5f);
-
-    MCTime clock = Clock(1.0f);
-    clock.SetTicks(960.0f, 480);
-    clock.AddTicks(240, 480);
-    clock.AddTicks(240, 0);
-    EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
-    EXPECT_FLOAT_EQ(clock.GetSeconds(), 2.5f);
-
-    MCTime ms(1, 0, 0, 480);
-    ms.SetMSec(1500);
-    EXPECT_EQ(ms.GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_FLOAT_EQ(ms.GetSeconds(), 1.5f);
-    clock = 4.0f; // assigning a float keeps clock mode
-    EXPECT_EQ(clock.GetMode(), MCTime::TimeModeClock);
-    bpt = MCTime(1, 1, 1, 480);
-    bpt = 2.0f; // but leaves bar/pulse/tick
-    EXPECT_EQ(bpt.GetMode(), MCTime::TimeModeNormalized);
-    EXPECT_FLOAT_EQ(bpt.GetSeconds(), 2.0f);
-}
-
 TEST(MCTime, CopiesOfBarPulseTickTimesAreDeepAndReuseTheDestinationsRecord)
 {
     MCTime original(1, 2, 3, 480);
@@ -198,7 +169,7 @@ TEST(MCTime, SetGlobalPPQClampsAndAlwaysReturnsOne)
     }
 }
 
-TEST(MCTime, ArithmeticGuardsLookOnlyAtTheirNamedOperand)
+TEST(MCTime, SettersKeepClockModeLeaveBarPulseTickAndArithmeticGuardsLookOnlyAtTheirNamedOperand)
 {
     GlobalPPQGuard guard;
     MCTime::GlobalPPQ = 96;
@@ -209,6 +180,13 @@ TEST(MCTime, ArithmeticGuardsLookOnlyAtTheirNamedOperand)
         BYTE mode;
         float value;
     } rows[] = {
+        {"SetTicks leaves bar/pulse/tick", [] { MCTime t(1, 2, 3, 480); t.SetTicks(240.0f, 480); return t; }, 0, 0.5f},
+        {"tick setters keep clock mode, ignoring ppq 0",
+         [] { MCTime t = Clock(1.0f); t.SetTicks(960.0f, 480); t.AddTicks(240, 480); t.AddTicks(240, 0); return t; }, 3,
+         2.5f},
+        {"SetMSec leaves bar/pulse/tick", [] { MCTime t(1, 0, 0, 480); t.SetMSec(1500); return t; }, 0, 1.5f},
+        {"a float keeps clock mode", [] { MCTime t = Clock(1.0f); t = 4.0f; return t; }, 3, 4.0f},
+        {"a float leaves bar/pulse/tick", [] { MCTime t(1, 1, 1, 480); t = 2.0f; return t; }, 0, 2.0f},
         {"+= keeps clock mode", [] { MCTime a = Clock(1.0f); a += MCTime(0.5f); return a; }, 3, 1.5f},
         {"-=", [] { MCTime a(1.0f); a -= Clock(0.25f); return a; }, 0, 0.75f},
         {"+= bpt operand ignored", [] { MCTime a(1.0f); a += MCTime(1, 0, 0, 480); return a; }, 0, 1.0f},
@@ -232,6 +210,8 @@ TEST(MCTime, ArithmeticGuardsLookOnlyAtTheirNamedOperand)
 
     // A bar/pulse/tick left side: unchanged in place, a zero time of GlobalPPQ otherwise.
     MCTime bpt(1, 2, 3, 480);
+    bpt.SetTicks(100.0f, 0);
+    bpt.AddTicks(100, 480);
     bpt *= 2.0f;
     bpt /= 2.0f;
     bpt += MCTime(1.0f);

@@ -64,14 +64,22 @@ protected:
 };
 } // namespace
 
-TEST_F(StateDelivery, HandlersRunInOrderBeforeTheGlobalHandler)
+TEST_F(StateDelivery, HandlersRunInOrderBeforeTheGlobalHandlerAndTheRecordGoesUnlessToldToStay)
 {
-    bool deleted = false;
-    auto *state = new TracedState(7, &deleted);
-    state->SetSynchronous(1);
-    state->Apply(m_doc);
-    EXPECT_EQ(m_calls, (std::vector<std::string>{"first:7", "second:7", "global:7"}));
-    EXPECT_TRUE(deleted);
+    for (int autoDelete : {1, 0})
+    {
+        SCOPED_TRACE(autoDelete);
+        m_calls.clear();
+        bool deleted = false;
+        auto *state = new TracedState(7, &deleted);
+        state->SetAutoDelete(autoDelete);
+        state->SetSynchronous(1);
+        state->Apply(m_doc);
+        EXPECT_EQ(m_calls, (std::vector<std::string>{"first:7", "second:7", "global:7"}));
+        EXPECT_EQ(deleted, autoDelete == 1);
+        if (!deleted)
+            delete state;
+    }
 }
 
 TEST_F(StateDelivery, PostedRecordHoldsItsDocumentUntilDelivered)
@@ -100,18 +108,6 @@ TEST_F(StateDelivery, RecordWithoutDocumentGoesToTheMainWindowOnly)
     EXPECT_EQ(main.messages[0].msg, MCStateMgr::StateMessage);
     EXPECT_EQ(main.messages[0].lParam, reinterpret_cast<LPARAM>(state));
     EXPECT_TRUE(deleted);
-}
-
-TEST_F(StateDelivery, RecordWithoutAutoDeleteSurvivesDelivery)
-{
-    bool deleted = false;
-    auto *state = new TracedState(10, &deleted);
-    state->SetAutoDelete(0);
-    state->SetSynchronous(1);
-    state->Apply(m_doc);
-    EXPECT_EQ(m_calls.size(), 3u);
-    EXPECT_FALSE(deleted);
-    delete state;
 }
 
 TEST_F(StateDelivery, RecordAppliedAfterTheWindowIsGoneIsDeleted)
