@@ -153,9 +153,9 @@ public:
     virtual int RemoveFromChildren();
     // The events this one holds by a member of its own, outside or beside its
     // child list, by index from 0 without gaps; null past the last (at once
-    // here). A check
-    // that every loaded event belongs to the tree follows these as well as
-    // the children, since the record writes them.
+    // here). A loaded event that has no parent must be one of these, or the
+    // load refuses it as outside the tree; a record that reads such a member
+    // passes it to CheckHeldWhileLoading before holding it.
     virtual ECBase *GetMemberEvent(int index);
 
     // ---- Data attachments ----
