@@ -31,7 +31,8 @@ TEST(EventClassCopyTest, CopyLeavesTheDestinationTime)
 {
     const CopyCase cases[] = {{EVENT_ID_NOTE, false},  {EVENT_ID_GRACE_NOTE, false}, {EVENT_ID_CHORD, false},
                               {EVENT_ID_TEMPO, false}, {EVENT_ID_LYRIC, true},       {EVENT_ID_WAVE, true},
-                              {EVENT_ID_TEXT, false},  {EVENT_ID_METER, false}};
+                              {EVENT_ID_TEXT, false},  {EVENT_ID_METER, false},      {EVENT_ID_WITH_TIME, false},
+                              {EVENT_ID_WITH_TIME_CHILD, false}};
     for (const CopyCase &c : cases)
     {
         SCOPED_TRACE(GetEventClassName(c.id));

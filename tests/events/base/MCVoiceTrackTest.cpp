@@ -3,17 +3,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(MCVoiceTrackTest, DefaultMeansNoVoiceAndNoTrack)
-{
-    MCVoiceTrack vt;
-    EXPECT_EQ(vt.GetValue(), 0x7FFF);
-    EXPECT_EQ(vt.GetVoice(), 15);
-    EXPECT_EQ(vt.GetTrack(), 0x7FF);
-    EXPECT_FALSE(vt.IsConverted());
-    EXPECT_EQ(vt.GetDevice(), 0xFF) << "no device before conversion";
-    EXPECT_EQ(vt.GetChannel(), 0x7F);
-}
-
 TEST(MCVoiceTrackTest, SettersStoreTheDocumentedWords)
 {
     struct Case
@@ -43,15 +32,35 @@ TEST(MCVoiceTrackTest, SettersStoreTheDocumentedWords)
     }
 }
 
-TEST(MCVoiceTrackTest, ConvertedWordHidesVoiceAndTrack)
+// A word is read either as voice and track or, once converted (bit 15), as
+// device and channel; each reading hides the other.
+TEST(MCVoiceTrackTest, BothReadingsOfTheWord)
 {
+    struct Case
+    {
+        const char *what;
+        WORD value;
+        bool converted;
+        int voice, track, device, channel;
+    };
+    const Case cases[] = {
+        {"the default word: no voice, no track, no device", 0x7FFF, false, 15, 0x7FF, 0xFF, 0x7F},
+        {"voice 3, track 12", MCVoiceTrack(3, 12).GetValue(), false, 3, 12, 0xFF, 0x7F},
+        {"converted keeps the low byte as device", 0x82C3, true, 15, 0x7FF, 0xC3, 2},
+    };
+    for (const Case &c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        MCVoiceTrack vt;
+        vt.SetValue(c.value);
+        EXPECT_EQ(vt.IsConverted() != 0, c.converted);
+        EXPECT_EQ(vt.GetVoice(), c.voice);
+        EXPECT_EQ(vt.GetTrack(), c.track);
+        EXPECT_EQ(vt.GetDevice(), c.device);
+        EXPECT_EQ(vt.GetChannel(), c.channel);
+    }
+    EXPECT_EQ(MCVoiceTrack().GetValue(), 0x7FFF);
     MCVoiceTrack vt(3, 12);
-    EXPECT_EQ(vt.GetVoice(), 3);
-    EXPECT_EQ(vt.GetTrack(), 12);
     vt.SetChannel(2);
-    EXPECT_TRUE(vt.IsConverted());
-    EXPECT_EQ(vt.GetVoice(), 15);
-    EXPECT_EQ(vt.GetTrack(), 0x7FF);
-    EXPECT_EQ(vt.GetChannel(), 2);
-    EXPECT_EQ(vt.GetDevice(), 0xC3) << "the low byte stays from the old word";
+    EXPECT_EQ(vt.GetValue(), 0x82C3) << "converting keeps the low byte of the old word";
 }
