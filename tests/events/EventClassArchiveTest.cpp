@@ -2,13 +2,12 @@
 // loaded with the check against the class the id names, the fields of the
 // bases (and a duration where the class stores one) come back, the selection
 // does not, and the record is read to its last byte.
+#include "events/ArchiveTestSupport.h"
 #include "events/EventClassTable.h"
 
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/events/base/EventRegistry.h>
-#include <scoremodel/platform/CArchive.h>
-#include <scoremodel/platform/CFile.h>
 
 #include <gtest/gtest.h>
 
@@ -61,22 +60,13 @@ TEST(EventClassArchiveTest, EveryServedClassRoundTripsItsBaseRecord)
         ECBase *original = MakeFilled(row.id);
         ASSERT_NE(original, nullptr);
 
-        CMemFile mem;
-        {
-            CArchive ar(&mem, CArchive::store);
-            ar.WriteObject(original);
-            ar.Close();
-        }
-        const ULONGLONG length = mem.GetLength();
-        mem.SeekToBegin();
+        Bytes bytes = StoreBytes([&](CArchive &ar) { ar.WriteObject(original); });
         ECBase *loaded = nullptr;
-        {
-            CArchive ar(&mem, CArchive::load);
+        ULONGLONG used = LoadBytes(bytes, [&](CArchive &ar) {
             loaded = static_cast<ECBase *>(AfxReadObjectOfClass(ar, GetEventRuntimeClass(row.id)));
-            ar.Close();
-        }
+        });
         ASSERT_NE(loaded, nullptr);
-        EXPECT_EQ(mem.GetPosition(), length) << "the loader must read the record to its end";
+        EXPECT_EQ(used, bytes.size()) << "the loader must read the record to its end";
 
         EXPECT_EQ(loaded->GetRuntimeClass(), original->GetRuntimeClass());
         EXPECT_EQ(loaded->GetEventId(), row.id);

@@ -1,17 +1,17 @@
 // The archive records of the event bases: what is stored, what comes back,
 // shared children, rejected events, and clean-up after a broken stream.
+#include "events/ArchiveTestSupport.h"
 #include "events/base/EventTestSupport.h"
 
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/base/DCBase.h>
 #include <scoremodel/events/base/LCBase.h>
-#include <scoremodel/platform/CArchive.h>
 #include <scoremodel/plugins/CPluginData.h>
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
+#include <optional>
 
 // An event that always fails its validity test, as a frame without content.
 class TestInvalid : public ECWithTime
@@ -46,46 +46,6 @@ IMPLEMENT_SERIAL(DCArchived, DCBase, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Bytes = std::vector<BYTE>;
-
-Bytes Store(const std::function<void(CArchive &)> &write)
-{
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        write(ar);
-        ar.Close();
-    }
-    Bytes out(static_cast<size_t>(mem.GetLength()));
-    mem.SeekToBegin();
-    mem.Read(out.data(), static_cast<UINT>(out.size()));
-    return out;
-}
-
-// Loads one object; on an archive error releases what the load made and
-// returns null.
-template <class T>
-T *LoadRoot(const Bytes &bytes, bool *failed = nullptr)
-{
-    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
-    CArchive ar(&mem, CArchive::load);
-    T *root = nullptr;
-    try
-    {
-        ar >> root;
-    }
-    catch (const CArchiveException &)
-    {
-        ECBase::ReleaseLoadedObjects(ar.GetLoadedObjects());
-        if (failed)
-            *failed = true;
-        return nullptr;
-    }
-    if (failed)
-        *failed = false;
-    return root;
-}
-
 // Loads as a document of an old version would, for the scope's duration.
 class OldDocument
 {
@@ -187,9 +147,9 @@ TEST_F(ECBaseArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
     Bytes bytes;
     {
         Score s;
-        bytes = Store([&](CArchive &ar) { ar << s.root; });
+        bytes = StoreBytes([&](CArchive &ar) { ar << s.root; });
     }
-    TestNode *root = LoadRoot<TestNode>(bytes);
+    TestNode *root = LoadObject<TestNode>(bytes);
     ASSERT_NE(root, nullptr);
     root->Ref();
     auto top = Elements(root->GetChildren());
@@ -217,7 +177,7 @@ TEST_F(ECBaseArchiveTest, RecordLayoutOfATimedEvent)
     leaf->Ref();
     leaf->SetVoiceTrack(1, 2);
     leaf->SetSelected(1, 3);
-    Bytes record = Store([&](CArchive &ar) { leaf->Serialize(ar); });
+    Bytes record = StoreBytes([&](CArchive &ar) { leaf->Serialize(ar); });
     float value = 1.5f;
     Bytes expected = {0x0C, 0x00};
     expected.insert(expected.end(), reinterpret_cast<BYTE *>(&value), reinterpret_cast<BYTE *>(&value) + 4);
@@ -232,9 +192,9 @@ TEST_F(ECBaseArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
     TestLeaf *leaf = TestLeaf::Make(0);
     leaf->Ref();
     leaf->SetRawFlags(0xA0 | 0x0C);
-    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
+    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << leaf; });
     leaf->Unref(1);
-    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
+    TestLeaf *loaded = LoadObject<TestLeaf>(bytes);
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->GetSelectedFlag(), 0u) << "a selected event loads unselected";
     EXPECT_EQ(loaded->GetFlags(), 0xA0) << "bits 4-7 are carried unchanged";
@@ -248,11 +208,11 @@ TEST_F(ECBaseArchiveTest, ChildListedTwiceLoadsOnce)
     TestLeaf *leaf = TestLeaf::Make(0);
     parent->GetChildren()->AddTail(leaf);
     parent->GetChildren()->AddTail(leaf); // edited directly: twice
-    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
+    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << parent; });
     parent->GetChildren()->RemoveAll();
     parent->Unref(1);
 
-    TestNode *loaded = LoadRoot<TestNode>(bytes);
+    TestNode *loaded = LoadObject<TestNode>(bytes);
     ASSERT_NE(loaded, nullptr);
     loaded->Ref();
     EXPECT_EQ(loaded->GetChildren()->GetCount(), 1);
@@ -272,12 +232,12 @@ TEST_F(ECBaseArchiveTest, InvalidEventVanishesFromItsParentAndDies)
     TestLeaf *good = TestLeaf::Make(1);
     parent->AddChild(bad, 1);
     parent->AddChild(good, 1);
-    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
+    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << parent; });
     TearDownTree(parent);
     parent->Unref(1);
     EXPECT_EQ(TestInvalid::s_alive, invalidBefore);
 
-    TestNode *loaded = LoadRoot<TestNode>(bytes);
+    TestNode *loaded = LoadObject<TestNode>(bytes);
     ASSERT_NE(loaded, nullptr);
     loaded->Ref();
     EXPECT_EQ(TestInvalid::s_alive, invalidBefore) << "the rejected event must die";
@@ -287,27 +247,42 @@ TEST_F(ECBaseArchiveTest, InvalidEventVanishesFromItsParentAndDies)
     loaded->Unref(1);
 }
 
+// An attachment is stored with its type and comes back in the type's slot,
+// read by the current layout and by the layout of version 3 documents alike.
 TEST_F(ECBaseArchiveTest, AttachmentsRoundTripInTheirSlots)
 {
-    CPluginData entry(RUNTIME_CLASS(DCArchived), 1, EVENT_ID_WITH_TIME);
-    CPluginData::AddPlugin(&entry);
-    TestLeaf *leaf = TestLeaf::Make(0);
-    leaf->Ref();
-    static_cast<DCArchived *>(leaf->GetData(1, 1))->SetValues(7, -9);
-    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
-    leaf->Unref(1);
-    CPluginData::RemovePlugin(&entry);
+    struct Case
+    {
+        int type;
+        int slot;
+        int version; // 0: the current document
+    };
+    for (Case c : {Case{1, 3, 0}, Case{4, 2, 0}, Case{4, 2, 3}})
+    {
+        SCOPED_TRACE(::testing::Message() << "type " << c.type << " version " << c.version);
+        CPluginData entry(RUNTIME_CLASS(DCArchived), c.type, EVENT_ID_WITH_TIME);
+        CPluginData::AddPlugin(&entry);
+        TestLeaf *leaf = TestLeaf::Make(0);
+        leaf->Ref();
+        static_cast<DCArchived *>(leaf->GetData(c.type, 1))->SetValues(7, -9);
+        Bytes bytes = StoreBytes([&](CArchive &ar) { ar << leaf; });
+        leaf->Unref(1);
+        CPluginData::RemovePlugin(&entry);
 
-    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
-    ASSERT_NE(loaded, nullptr);
-    EXPECT_TRUE(loaded->GetFlags() & ECBase::FlagHasData);
-    EXPECT_EQ(loaded->GetData()->GetSize(), 4) << "sized to the highest stored slot";
-    auto *data = dynamic_cast<DCArchived *>(loaded->GetData(1, 0));
-    ASSERT_NE(data, nullptr);
-    EXPECT_EQ(data->Value(), 7);
-    EXPECT_EQ(data->Value2(), -9);
-    EXPECT_EQ(data->GetOwner(), loaded) << "the owner comes back as a reference";
-    loaded->Unref(1);
+        std::optional<OldDocument> old;
+        if (c.version)
+            old.emplace(c.version);
+        TestLeaf *loaded = LoadObject<TestLeaf>(bytes);
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_TRUE(loaded->GetFlags() & ECBase::FlagHasData);
+        EXPECT_EQ(loaded->GetData()->GetSize(), c.slot + 1) << "sized to the highest stored slot";
+        auto *data = dynamic_cast<DCArchived *>(loaded->GetData()->GetAt(c.slot));
+        ASSERT_NE(data, nullptr);
+        EXPECT_EQ(data->Value(), 7);
+        EXPECT_EQ(data->Value2(), -9);
+        EXPECT_EQ(data->GetOwner(), loaded) << "the owner comes back as a reference";
+        loaded->Unref(1);
+    }
 }
 
 TEST_F(ECBaseArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
@@ -315,13 +290,13 @@ TEST_F(ECBaseArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
     Bytes bytes;
     {
         Score s;
-        bytes = Store([&](CArchive &ar) { ar << s.root; });
+        bytes = StoreBytes([&](CArchive &ar) { ar << s.root; });
     }
     for (size_t cut = 0; cut < bytes.size(); ++cut)
     {
         Bytes part(bytes.begin(), bytes.begin() + static_cast<long>(cut));
         bool failed = false;
-        TestNode *root = LoadRoot<TestNode>(part, &failed);
+        TestNode *root = LoadObject<TestNode>(part, &failed);
         EXPECT_TRUE(failed) << "cut at " << cut;
         EXPECT_EQ(root, nullptr);
         ASSERT_EQ(TestNode::s_alive, m_nodes) << "cut at " << cut;
@@ -337,12 +312,10 @@ TEST_F(ECBaseArchiveTest, PlainListAndFilterAndAttachmentRecords)
     MCObList list;
     list.AddTail(&filter);
     list.AddTail(&filter);
-    Bytes bytes = Store([&](CArchive &ar) { list.Serialize(ar); });
+    Bytes bytes = StoreBytes([&](CArchive &ar) { list.Serialize(ar); });
 
-    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
-    CArchive ar(&mem, CArchive::load);
     MCObList loaded;
-    loaded.Serialize(ar);
+    LoadBytes(bytes, [&](CArchive &ar) { loaded.Serialize(ar); });
     ASSERT_EQ(loaded.GetCount(), 2);
     EXPECT_EQ(loaded.GetHead(), loaded.GetTail()) << "one object stored once, referenced twice";
     auto *f = static_cast<LCBase *>(loaded.GetHead());
@@ -367,7 +340,7 @@ TEST_F(ECBaseArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
                                                       timeBytes,
                                                       {0x12, 0x00}}))});
     OldDocument old(0);
-    TestLeaf *leaf = LoadRoot<TestLeaf>(stream);
+    TestLeaf *leaf = LoadObject<TestLeaf>(stream);
     ASSERT_NE(leaf, nullptr);
     EXPECT_EQ(leaf->GetData()->GetSize(), 4) << "positions 0 and 1 reach slot 3";
     auto *data = dynamic_cast<DCArchived *>(leaf->GetData()->GetAt(0));
@@ -379,25 +352,4 @@ TEST_F(ECBaseArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
     EXPECT_EQ(leaf->GetVoice(), 2);
     EXPECT_EQ(leaf->GetTrack(), 1);
     leaf->Unref(1);
-}
-
-TEST_F(ECBaseArchiveTest, CurrentAttachmentLayoutIsReadFromVersionThree)
-{
-    CPluginData entry(RUNTIME_CLASS(DCArchived), 4, EVENT_ID_WITH_TIME);
-    CPluginData::AddPlugin(&entry);
-    TestLeaf *leaf = TestLeaf::Make(0);
-    leaf->Ref();
-    static_cast<DCArchived *>(leaf->GetData(4, 1))->SetValues(3, 4);
-    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
-    leaf->Unref(1);
-    CPluginData::RemovePlugin(&entry);
-    // flags, count 1, highest slot 2, code 4, ...
-    ASSERT_GE(bytes.size(), 20u);
-    OldDocument old(3);
-    TestLeaf *loaded = LoadRoot<TestLeaf>(bytes);
-    ASSERT_NE(loaded, nullptr);
-    auto *data = dynamic_cast<DCArchived *>(loaded->GetData()->GetAt(2));
-    ASSERT_NE(data, nullptr) << "type 4 lives in slot 2";
-    EXPECT_EQ(data->Value2(), 4);
-    loaded->Unref(1);
 }

@@ -50,34 +50,35 @@ struct SmallScore
 };
 } // namespace
 
-TEST_F(ECOwnershipTest, SubtreeDiesWhenItsLastHolderRemovesItDeeply)
+TEST_F(ECOwnershipTest, DeepRemovalKillsTheSubtreeExceptWhatSomethingElseHolds)
 {
-    SmallScore s;
-    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 4);
-    EXPECT_EQ(s.root->RemoveChild(s.measure, 1), 1);
-    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 1) << "measure and notes should be gone";
-    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore) << "the accent should be gone";
-    EXPECT_TRUE(s.root->GetChildren()->IsEmpty());
-    EXPECT_FALSE(s.root->GetFlags() & ECBase::FlagHasChildren);
-    EXPECT_EQ(s.root->GetRefCount(), 1) << "only the test holds the root now";
-    s.root->Unref(1);
+    for (bool noteHeld : {false, true})
+    {
+        SCOPED_TRACE(noteHeld ? "a command holds a note" : "nothing else holds");
+        SmallScore s;
+        EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 4);
+        if (noteHeld)
+            s.note1->Ref(); // kept for undo
+        EXPECT_EQ(s.root->RemoveChild(s.measure, 1), 1);
+        EXPECT_EQ(TestNode::s_alive, m_nodesBefore + (noteHeld ? 2 : 1)) << "the root and a held note remain";
+        EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore) << "a deep removal detaches even a held note's accent";
+        EXPECT_TRUE(s.root->GetChildren()->IsEmpty());
+        EXPECT_FALSE(s.root->GetFlags() & ECBase::FlagHasChildren);
+        EXPECT_EQ(s.root->GetRefCount(), 1) << "only the test holds the root now";
+        if (noteHeld)
+        {
+            EXPECT_TRUE(s.note1->GetParents()->IsEmpty()) << "the note must not point at its dead measure";
+            EXPECT_TRUE(s.note1->GetChildren()->IsEmpty());
+            EXPECT_EQ(s.note1->GetRefCount(), 1);
+            s.note1->Unref(1);
+        }
+        s.root->Unref(1);
+    }
 }
 
-TEST_F(ECOwnershipTest, EventInsideARemovedSubtreeSurvivesWhileSomethingHoldsIt)
-{
-    SmallScore s;
-    s.note1->Ref(); // a command keeps the note for undo
-    s.root->RemoveChild(s.measure, 1);
-    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 2) << "root and the held note remain";
-    EXPECT_TRUE(s.note1->GetParents()->IsEmpty()) << "the note must not point at its dead measure";
-    EXPECT_TRUE(s.note1->GetChildren()->IsEmpty()) << "a deep removal detaches the note's accent";
-    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
-    EXPECT_EQ(s.note1->GetRefCount(), 1);
-    s.note1->Unref(1);
-    s.root->Unref(1);
-}
-
-TEST_F(ECOwnershipTest, ChildHeldOnlyByItsListDiesInsideRemoveChild)
+// Events at count 0 or held only by links: each dies with its last holder,
+// and not while an operation on it still runs.
+TEST_F(ECOwnershipTest, UnheldEventsDieWithTheirLastHolderAndNotBefore)
 {
     TestNode *parent = TestNode::Make();
     parent->Ref();
@@ -86,9 +87,32 @@ TEST_F(ECOwnershipTest, ChildHeldOnlyByItsListDiesInsideRemoveChild)
     EXPECT_EQ(leaf->GetRefCount(), 1);
     EXPECT_EQ(parent->GetRefCount(), 2) << "the child holds its parent";
     parent->RemoveChild(leaf, 0);
-    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
+    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore) << "a child held only by the list dies inside RemoveChild";
     EXPECT_EQ(parent->GetRefCount(), 1);
     parent->Unref(1);
+
+    // Nobody took a reference on this parent: its child was its only holder.
+    parent = TestNode::Make();
+    parent->AddChild(TestLeaf::Make(), 0);
+    EXPECT_EQ(parent->RemoveChild(parent->GetChildren()->GetHead(), 0), 1);
+    EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
+
+    // Emptying a container nobody holds must not destroy it under its
+    // creator's hands.
+    TestNode *box = TestNode::Make();
+    box->GetChildren()->AddTail(TestLeaf::Make());
+    box->RemoveChildren(1);
+    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 1);
+    EXPECT_EQ(box->GetRefCount(), 0);
+    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
+    EXPECT_EQ(box->Unref(1), 0);
+
+    EXPECT_EQ(TestLeaf::Make()->Unref(1), 0) << "a fresh event goes by Unref alone";
+    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
+    TestLeaf *kept = TestLeaf::Make();
+    EXPECT_EQ(kept->Unref(0), 0) << "without the flag nothing dies and the count stays at 0";
+    EXPECT_EQ(kept->Ref(), 1);
+    EXPECT_EQ(kept->Unref(1), 0);
 }
 
 TEST_F(ECOwnershipTest, ChildWithExtraReferenceSurvivesWithoutThatParent)
@@ -111,7 +135,7 @@ TEST_F(ECOwnershipTest, ChildWithExtraReferenceSurvivesWithoutThatParent)
     other->Unref(1);
 }
 
-TEST_F(ECOwnershipTest, RemoveChildOfANonChildTouchesNoCount)
+TEST_F(ECOwnershipTest, RefusedLinksAndRemovalsTouchNoCount)
 {
     TestNode *parent = TestNode::Make();
     parent->Ref();
@@ -122,96 +146,83 @@ TEST_F(ECOwnershipTest, RemoveChildOfANonChildTouchesNoCount)
     EXPECT_EQ(stranger->GetRefCount(), 1);
     EXPECT_EQ(parent->GetRefCount(), 1);
     stranger->Unref(1);
-    parent->Unref(1);
-}
 
-TEST_F(ECOwnershipTest, AddingAChildTwiceIsRefusedAndChangesNothing)
-{
-    TestNode *parent = TestNode::Make();
-    parent->Ref();
     TestLeaf *leaf = TestLeaf::Make();
     ASSERT_EQ(parent->AddChild(leaf, 1), 1);
-    EXPECT_EQ(parent->AddChild(leaf, 1), 0);
+    EXPECT_EQ(parent->AddChild(leaf, 1), 0) << "a child is added once";
     EXPECT_EQ(parent->AddChild(leaf, 0), 0);
     EXPECT_EQ(parent->GetChildren()->GetCount(), 1);
     EXPECT_EQ(leaf->GetParents()->GetCount(), 1);
     EXPECT_EQ(leaf->GetRefCount(), 1);
     EXPECT_EQ(parent->AddChild(parent, 0), 0) << "an event cannot be its own child";
     EXPECT_EQ(parent->AddChild(nullptr, 0), 0);
+    EXPECT_EQ(parent->GetRefCount(), 2);
     parent->RemoveChildren(1);
     parent->Unref(1);
 }
 
 // A note held by its measure, its beam and its tuplet comes apart cleanly
-// whatever the order in which the three let go.
+// whatever the order in which the three let go: each parent either removes
+// the note shallowly or goes itself, taking its subtree down deeply.
 TEST_F(ECOwnershipTest, NoteWithThreeParentsComesApartInAnyOrder)
 {
-    std::array<int, 3> order = {0, 1, 2};
-    do
+    for (bool parentsDie : {false, true})
     {
-        std::array<TestNode *, 3> parents = {TestNode::Make(), TestNode::Make(), TestNode::Make()};
-        for (TestNode *p : parents)
-            p->Ref();
-        TestNode *note = TestNode::Make(2.0f);
-        TestLeaf *dot = TestLeaf::Make(2.0f);
-        note->AddChild(dot, 1);
-        for (TestNode *p : parents)
-            ASSERT_EQ(p->AddChild(note, 1), 1);
-        EXPECT_EQ(note->GetRefCount(), 4) << "three lists and the dot's parent link";
-
-        for (int step = 0; step < 3; ++step)
+        std::array<int, 3> order = {0, 1, 2};
+        do
         {
-            TestNode *leaving = parents[order[step]];
-            leaving->RemoveChild(note, 0);
-            EXPECT_TRUE(leaving->GetChildren()->IsEmpty());
-            if (step < 2)
-            {
-                ASSERT_EQ(TestNode::s_alive, m_nodesBefore + 4) << "the note lives while a parent holds it";
-                EXPECT_EQ(note->GetParents()->GetCount(), 2 - step);
-                EXPECT_FALSE(Holds(note->GetParents(), leaving));
-                for (int later = step + 1; later < 3; ++later)
-                    EXPECT_TRUE(Holds(parents[order[later]]->GetChildren(), note));
-            }
-        }
-        // A shallow removal leaves the note held by its own dot: the last
-        // holder tears it down as a command's trash would.
-        EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 4);
-        note->Ref();
-        note->RemoveChildren(1);
-        EXPECT_EQ(note->Unref(1), 0);
-        EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 3);
-        EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
-        for (TestNode *p : parents)
-            p->Unref(1);
-    } while (std::next_permutation(order.begin(), order.end()));
-}
+            SCOPED_TRACE(::testing::Message() << (parentsDie ? "parents die" : "parents let go") << ", order "
+                                              << order[0] << order[1] << order[2]);
+            std::array<TestNode *, 3> parents = {TestNode::Make(), TestNode::Make(), TestNode::Make()};
+            for (TestNode *p : parents)
+                p->Ref();
+            TestNode *note = TestNode::Make(2.0f);
+            note->AddChild(TestLeaf::Make(2.0f), 1);
+            for (TestNode *p : parents)
+                ASSERT_EQ(p->AddChild(note, 1), 1);
+            EXPECT_EQ(note->GetRefCount(), 4) << "three lists and the dot's parent link";
 
-TEST_F(ECOwnershipTest, NoteWithThreeParentsDiesWithTheLastDeepRemoval)
-{
-    std::array<int, 3> order = {0, 1, 2};
-    do
-    {
-        std::array<TestNode *, 3> parents = {TestNode::Make(), TestNode::Make(), TestNode::Make()};
-        for (TestNode *p : parents)
-            p->Ref();
-        TestNode *note = TestNode::Make(2.0f);
-        note->AddChild(TestLeaf::Make(2.0f), 1);
-        for (TestNode *p : parents)
-            p->AddChild(note, 1);
-        // The parents themselves go, each taking its subtree down deeply.
-        for (int step = 0; step < 3; ++step)
-        {
-            TestNode *leaving = parents[order[step]];
-            leaving->RemoveChildren(1);
-            leaving->Unref(1);
-            if (step < 2)
+            for (int step = 0; step < 3; ++step)
             {
-                EXPECT_EQ(note->GetParents()->GetCount(), 2 - step);
+                TestNode *leaving = parents[order[step]];
+                if (parentsDie)
+                {
+                    leaving->RemoveChildren(1);
+                    leaving->Unref(1);
+                }
+                else
+                {
+                    leaving->RemoveChild(note, 0);
+                    EXPECT_TRUE(leaving->GetChildren()->IsEmpty());
+                }
+                if (step < 2)
+                {
+                    ASSERT_EQ(TestNode::s_alive, m_nodesBefore + 4 - (parentsDie ? step + 1 : 0))
+                        << "the note lives while a parent holds it";
+                    EXPECT_EQ(note->GetParents()->GetCount(), 2 - step);
+                    if (!parentsDie)
+                    {
+                        EXPECT_FALSE(Holds(note->GetParents(), leaving));
+                    }
+                    for (int later = step + 1; later < 3; ++later)
+                        EXPECT_TRUE(Holds(parents[order[later]]->GetChildren(), note));
+                }
             }
-        }
-        EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
-        EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
-    } while (std::next_permutation(order.begin(), order.end()));
+            if (!parentsDie)
+            {
+                // A shallow removal leaves the note held by its own dot: the
+                // last holder tears it down as a command's trash would.
+                EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 4);
+                note->Ref();
+                note->RemoveChildren(1);
+                EXPECT_EQ(note->Unref(1), 0);
+                for (TestNode *p : parents)
+                    p->Unref(1);
+            }
+            EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
+            EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
+        } while (std::next_permutation(order.begin(), order.end()));
+    }
 }
 
 TEST_F(ECOwnershipTest, RemoveFromParentsDetachesFromEveryParent)
@@ -234,17 +245,6 @@ TEST_F(ECOwnershipTest, RemoveFromParentsDetachesFromEveryParent)
     note->Unref(1);
     for (TestNode *p : parents)
         p->Unref(1);
-}
-
-TEST_F(ECOwnershipTest, ParentHeldOnlyByItsChildDiesAfterRemovingIt)
-{
-    // Nobody took a reference on the parent: its child was its only holder,
-    // so it goes when the child does, but not while RemoveChild still runs.
-    TestNode *parent = TestNode::Make();
-    TestLeaf *leaf = TestLeaf::Make();
-    parent->AddChild(leaf, 0);
-    EXPECT_EQ(parent->RemoveChild(leaf, 0), 1);
-    EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
 }
 
 TEST_F(ECOwnershipTest, ContainerDestroyedWithChildrenReleasesThem)
@@ -274,19 +274,6 @@ TEST_F(ECOwnershipTest, CyclicGraphCanStillBeTornDown)
     a->RemoveFromParents();
     EXPECT_EQ(a->Unref(1), 0);
     EXPECT_EQ(TestNode::s_alive, m_nodesBefore);
-}
-
-TEST_F(ECOwnershipTest, FreshEventIsReleasedByUnrefAlone)
-{
-    TestLeaf *leaf = TestLeaf::Make();
-    EXPECT_EQ(leaf->GetRefCount(), 0);
-    EXPECT_EQ(leaf->Unref(1), 0);
-    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
-
-    TestLeaf *kept = TestLeaf::Make();
-    EXPECT_EQ(kept->Unref(0), 0) << "without the flag nothing dies and the count stays at 0";
-    EXPECT_EQ(kept->Ref(), 1);
-    EXPECT_EQ(kept->Unref(1), 0);
 }
 
 TEST_F(ECOwnershipTest, ParentOfManyChildrenKeepsAnExactCount)
@@ -445,17 +432,4 @@ TEST_F(ECOwnershipTest, RandomTreesKeepCountsExactAndLeaveNothingBehind)
                 n->Unref(1);
         ASSERT_EQ(TestNode::s_alive, m_nodesBefore) << "round " << round;
     }
-}
-
-TEST_F(ECOwnershipTest, OperationsOnAnUnheldContainerLeaveItToItsCreator)
-{
-    // Count 0: nobody holds it, so emptying it must not destroy it under its
-    // creator's hands.
-    TestNode *box = TestNode::Make();
-    box->GetChildren()->AddTail(TestLeaf::Make());
-    box->RemoveChildren(1);
-    EXPECT_EQ(TestNode::s_alive, m_nodesBefore + 1);
-    EXPECT_EQ(box->GetRefCount(), 0);
-    EXPECT_EQ(TestLeaf::s_alive, m_leavesBefore);
-    box->Unref(1);
 }

@@ -1,8 +1,8 @@
 // Accents: the finger ranges, which decide whether a chord may carry the
 // mark, and the type byte through copy, comparison and the archive.
+#include "events/ArchiveTestSupport.h"
+
 #include <scoremodel/events/notes/ECAccent.h>
-#include <scoremodel/platform/CArchive.h>
-#include <scoremodel/platform/CFile.h>
 
 #include <gtest/gtest.h>
 
@@ -56,14 +56,22 @@ TEST(ECAccentTest, FingerRangesDecideTheChordParent)
 
 TEST(ECAccentTest, OnlyAFingerOfTheSameRangeReplacesAnother)
 {
-    ECAccent *plain = MakeAccent(0x5A);
-    EXPECT_TRUE(plain->IsReplaceableFinger(0x5F));
-    EXPECT_FALSE(plain->IsReplaceableFinger(0x66)) << "plain finger against p, i, m, a";
-    EXPECT_FALSE(plain->IsReplaceableFinger(0x60));
-    ECAccent *accent = MakeAccent(0x10);
-    EXPECT_FALSE(accent->IsReplaceableFinger(0x10)) << "two accents that are no fingers";
-    plain->Unref(1);
-    accent->Unref(1);
+    struct Case
+    {
+        BYTE have, incoming;
+        bool replaces;
+    };
+    // Within each range at its edges, across neighbouring ranges, and two
+    // accents that are no fingers.
+    const Case cases[] = {{0x5A, 0x5F, true},  {0x60, 0x65, true},  {0x69, 0x66, true},  {0x5A, 0x66, false},
+                          {0x5F, 0x60, false}, {0x65, 0x66, false}, {0x69, 0x6A, false}, {0x10, 0x10, false}};
+    for (const Case &c : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << std::hex << int(c.have) << " by " << int(c.incoming));
+        ECAccent *accent = MakeAccent(c.have);
+        EXPECT_EQ(accent->IsReplaceableFinger(c.incoming) != 0, c.replaces);
+        accent->Unref(1);
+    }
 }
 
 TEST(ECAccentTest, TheTypeTravelsThroughCopyAndTheArchive)
@@ -74,18 +82,7 @@ TEST(ECAccentTest, TheTypeTravelsThroughCopyAndTheArchive)
     dst->Copy(src);
     EXPECT_TRUE(*dst == *src);
 
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        ar << src;
-        ar.Close();
-    }
-    mem.SeekToBegin();
-    ECAccent *loaded = nullptr;
-    {
-        CArchive ar(&mem, CArchive::load);
-        ar >> loaded;
-    }
+    ECAccent *loaded = LoadObject<ECAccent>(StoreBytes([&](CArchive &ar) { ar << src; }));
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->GetAccentType(), 0x67);
     loaded->Ref();

@@ -1,3 +1,4 @@
+#include "events/ArchiveTestSupport.h"
 #include "events/structure/TrackTestSupport.h"
 
 #include <scoremodel/actions/ACPostSerialize.h>
@@ -140,19 +141,7 @@ TEST_F(ConductorArchive, TheWaveTrackArrayFollowsTheStoredNumbersNotTheChildOrde
         conductor->AddChild(track, 0);
     }
 
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        ar.WriteObject(conductor);
-        ar.Close();
-    }
-    mem.SeekToBegin();
-    ECConductor *loaded = nullptr;
-    {
-        CArchive ar(&mem, CArchive::load);
-        ar >> loaded;
-        ar.Close();
-    }
+    auto *loaded = LoadObject<ECConductor>(StoreBytes([&](CArchive &ar) { ar.WriteObject(conductor); }));
     ASSERT_NE(loaded, nullptr);
     loaded->Ref();
     ASSERT_EQ(loaded->GetMaxTrackNumber(3), 3);

@@ -1,10 +1,10 @@
 // The document root: the active document and its version, the conductor
 // cache and the archive record.
+#include "events/ArchiveTestSupport.h"
+
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECPerformance.h>
-#include <scoremodel/platform/CArchive.h>
-#include <scoremodel/platform/CFile.h>
 
 #include <gtest/gtest.h>
 
@@ -47,32 +47,19 @@ TEST(ECPerformanceActive, LoadersReadTheActiveDocumentsVersion)
     ECPerformance::SetActivePerformance(before);
 }
 
-TEST(ECPerformanceConductor, FoundOnceAndKeptFromThenOn)
+// The conductor is found once a child and kept from then on, and a load
+// fills the same cache.
+TEST(ECPerformanceConductor, FoundWhenAddedAndWhenLoaded)
 {
     ECPerformance *doc = NewDocument();
     EXPECT_EQ(doc->GetConductor(), nullptr);
     auto *conductor = new ECConductor;
     doc->AddChild(conductor, 0);
     EXPECT_EQ(doc->GetConductor(), conductor);
-    Drop(doc);
-}
 
-TEST(ECPerformanceArchive, LoadFillsTheConductorCache)
-{
-    ECPerformance *doc = NewDocument();
-    doc->AddChild(new ECConductor, 0);
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        doc->Serialize(ar);
-        ar.Close();
-    }
-    mem.SeekToBegin();
+    Bytes bytes = StoreBytes([&](CArchive &ar) { doc->Serialize(ar); });
     ECPerformance *loaded = NewDocument();
-    {
-        CArchive ar(&mem, CArchive::load);
-        loaded->Serialize(ar);
-    }
+    LoadBytes(bytes, [&](CArchive &ar) { loaded->Serialize(ar); });
     ASSERT_NE(loaded->GetConductor(), nullptr);
     EXPECT_EQ(loaded->GetChildren()->GetCount(), 1);
     EXPECT_EQ(loaded->GetChildren()->GetHead(), loaded->GetConductor());

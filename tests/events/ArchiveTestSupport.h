@@ -1,0 +1,62 @@
+// Storing events to memory and loading them back, for the archive tests.
+#pragma once
+
+#include <scoremodel/events/base/ECBase.h>
+#include <scoremodel/platform/CArchive.h>
+#include <scoremodel/platform/CFile.h>
+
+#include <functional>
+#include <vector>
+
+using Bytes = std::vector<BYTE>;
+
+// The bytes that `write` stores.
+inline Bytes StoreBytes(const std::function<void(CArchive &)> &write)
+{
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        write(ar);
+        ar.Close();
+    }
+    Bytes out(static_cast<size_t>(mem.GetLength()));
+    mem.SeekToBegin();
+    mem.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+// Reads `bytes` with `read` and answers how many of them the archive used.
+inline ULONGLONG LoadBytes(const Bytes &bytes, const std::function<void(CArchive &)> &read)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    {
+        CArchive ar(&mem, CArchive::load);
+        read(ar);
+        ar.Close();
+    }
+    return mem.GetPosition();
+}
+
+// Loads one object; on an archive error releases what the load made and
+// returns null.
+template <class T>
+T *LoadObject(const Bytes &bytes, bool *failed = nullptr)
+{
+    CMemFile mem(bytes.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&mem, CArchive::load);
+    T *root = nullptr;
+    try
+    {
+        ar >> root;
+    }
+    catch (const CArchiveException &)
+    {
+        ECBase::ReleaseLoadedObjects(ar.GetLoadedObjects());
+        if (failed)
+            *failed = true;
+        return nullptr;
+    }
+    if (failed)
+        *failed = false;
+    return root;
+}
