@@ -310,11 +310,13 @@ public:
         std::printf("\n");
         for (int64_t size : {kSmall, kLarge})
         {
-            const std::string suffix = "/" + std::to_string(size);
-            const double memcpyRate = Rate(m_bytesPerSecond, ("BM_Memcpy" + suffix).c_str());
+            // Strings are appended to rather than added to a literal: GCC 12
+            // misreads the latter as an overlapping copy (-Wrestrict).
+            const std::string suffix = std::string("/").append(std::to_string(size));
+            const double memcpyRate = Rate(m_bytesPerSecond, std::string("BM_Memcpy").append(suffix).c_str());
             for (const char *name : {"BM_WriteDWORD", "BM_WriteMixed", "BM_ReadDWORD"})
             {
-                const double rate = Rate(m_bytesPerSecond, (name + suffix).c_str());
+                const double rate = Rate(m_bytesPerSecond, std::string(name).append(suffix).c_str());
                 if (memcpyRate <= 0 || rate <= 0)
                     continue;
                 const bool write = std::strncmp(name, "BM_Write", 8) == 0;
