@@ -5,20 +5,13 @@
 
 #include <gtest/gtest.h>
 
-TEST(MCDataArrayTest, NewArrayHasTwoEmptySlots)
-{
-    MCDataArray a;
-    EXPECT_EQ(a.GetSize(), 2);
-    EXPECT_EQ(a.GetAt(0), nullptr);
-    EXPECT_EQ(a.GetAt(1), nullptr);
-    EXPECT_EQ(a.GetAt(2), nullptr) << "outside the range reads null";
-    EXPECT_EQ(a.GetAt(-1), nullptr);
-}
-
-TEST(MCDataArrayTest, SetSizeKeepsSurvivorsAndZeroesNewSlots)
+TEST(MCDataArrayTest, SizeRulesKeepSurvivorsAndZeroNewSlots)
 {
     DCBase x, y;
     MCDataArray a;
+    EXPECT_EQ(a.GetSize(), 2) << "a new array has two empty slots";
+    for (int i : {-1, 0, 1, 2})
+        EXPECT_EQ(a.GetAt(i), nullptr) << "slot " << i << ", outside the range too";
     a.SetAt(0, &x);
     a.SetAt(1, &y);
     a.SetSize(5);

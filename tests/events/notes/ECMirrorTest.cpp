@@ -1,5 +1,7 @@
 // Mirrors stand in a list for the event they show: the list operations that
 // gather events for a command replace each mirror by its source.
+#include "events/base/EventTestSupport.h"
+
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/base/MCEventList.h>
 #include <scoremodel/events/notes/ECMirror.h>
@@ -7,17 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <vector>
-
-namespace
-{
-std::vector<ECBase *> Elements(ECBase::EventList &list)
-{
-    std::vector<ECBase *> out;
-    for (POSITION pos = list.GetHeadPosition(); pos;)
-        out.push_back(list.GetNext(pos));
-    return out;
-}
-} // namespace
 
 TEST(ECMirrorTest, ReplaceMirrorsPutsEachSourceInItsMirrorsPlace)
 {
