@@ -171,33 +171,32 @@ TEST_F(ECBaseArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
     root->Unref(1);
 }
 
-TEST_F(ECBaseArchiveTest, RecordLayoutOfATimedEvent)
+// The body of a timed event: the flag byte raw (selection and spare bits
+// included), the time mode, the float and the voice/track word. A selected
+// event loads unselected; the spare bits 4-7 are carried unchanged.
+TEST_F(ECBaseArchiveTest, TimedEventRecordLayoutAndFlagsOnLoad)
 {
     TestLeaf *leaf = TestLeaf::Make(1.5f);
     leaf->Ref();
     leaf->SetVoiceTrack(1, 2);
+    leaf->SetRawFlags(0xA0);
     leaf->SetSelected(1, 3);
-    Bytes record = StoreBytes([&](CArchive &ar) { leaf->Serialize(ar); });
-    float value = 1.5f;
-    Bytes expected = {0x0C, 0x00};
-    expected.insert(expected.end(), reinterpret_cast<BYTE *>(&value), reinterpret_cast<BYTE *>(&value) + 4);
-    expected.push_back(0x21);
-    expected.push_back(0x00);
-    EXPECT_EQ(record, expected) << "flags raw with the selection, mode, float, voice/track word";
-    leaf->Unref(1);
-}
-
-TEST_F(ECBaseArchiveTest, SelectionIsDroppedButSpareFlagBitsSurvive)
-{
-    TestLeaf *leaf = TestLeaf::Make(0);
-    leaf->Ref();
-    leaf->SetRawFlags(0xA0 | 0x0C);
     Bytes bytes = StoreBytes([&](CArchive &ar) { ar << leaf; });
     leaf->Unref(1);
+    float value = 1.5f;
+    Bytes body = {0xAC, 0x00};
+    body.insert(body.end(), reinterpret_cast<BYTE *>(&value), reinterpret_cast<BYTE *>(&value) + 4);
+    body.insert(body.end(), {0x21, 0x00});
+    ASSERT_GE(bytes.size(), body.size());
+    EXPECT_EQ(Bytes(bytes.end() - static_cast<long>(body.size()), bytes.end()), body);
+
     TestLeaf *loaded = LoadObject<TestLeaf>(bytes);
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(loaded->GetSelectedFlag(), 0u) << "a selected event loads unselected";
-    EXPECT_EQ(loaded->GetFlags(), 0xA0) << "bits 4-7 are carried unchanged";
+    EXPECT_EQ(loaded->GetSelectedFlag(), 0u);
+    EXPECT_EQ(loaded->GetFlags(), 0xA0);
+    EXPECT_TRUE(*loaded->GetTime() == MCTime(1.5f));
+    EXPECT_EQ(loaded->GetVoice(), 1);
+    EXPECT_EQ(loaded->GetTrack(), 2);
     loaded->Unref(1);
 }
 

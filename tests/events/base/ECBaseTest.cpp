@@ -67,10 +67,12 @@ TEST(ECBaseTest, SelectionAndHitMarksFollowTheirMaskRules)
         unsigned expected;
     };
     const Case cases[] = {
-        {false, 0, 1, 1, 1},           {false, 0, 1, 2, 2},       {false, 1, 1, 2, 3},          {false, 0, 1, 0xFF, 3},
-        {false, 3, 0, 1, 2},           {false, 3, 0, 2, 1},       {false, 3, 0, 3, 0},          {false, 3, 0, 0, 3},
-        {false, 3, 0, 4, 3},           {true, 0x0F, 0, 1, 0x02},  {true, 0x0F, 0, 2, 0x01},     {true, 0xF0, 0, 1, 0x00},
-        {true, 0xF0, 0, 0x10, 0x10},   {true, 0x00, 1, 0x100, 0x100}, {true, 0x03, 0, 0, 0x03}, {true, 0xFFFFFFFF, 0, 3, 0x00},
+        {false, 0, 1, 1, 1},         {false, 0, 1, 2, 2},          {false, 1, 1, 2, 3},
+        {false, 0, 1, 0xFF, 3},      {false, 3, 0, 1, 2},          {false, 3, 0, 2, 1},
+        {false, 3, 0, 3, 0},         {false, 3, 0, 0, 3},          {false, 3, 0, 4, 3},
+        {true, 0x0F, 0, 1, 0x02},    {true, 0x0F, 0, 2, 0x01},     {true, 0xF0, 0, 1, 0x00},
+        {true, 0xF0, 0, 0x10, 0x10}, {true, 0x00, 1, 0x100, 0x100}, {true, 0x03, 0, 0, 0x03},
+        {true, 0xFFFFFFFF, 0, 3, 0x00},
     };
     for (const Case &c : cases)
     {

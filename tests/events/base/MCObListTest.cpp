@@ -90,15 +90,24 @@ TEST(MCObListTest, ListInsertionKeepsTheSourceOrder)
     EXPECT_EQ(Items(self), (std::vector<CObject *>{&a, &b, &a, &b})) << "a list added to itself doubles once";
 }
 
-TEST(MCObListTest, RemovalAtEveryPlace)
+TEST(MCObListTest, FindAndRemovalAtEveryPlace)
 {
     Thing a, b, c;
     MCObList list;
-    list.AddTail(&a);
-    list.AddTail(&b);
-    list.AddTail(&c);
+    for (CObject *o : {&a, &b, &a, &c})
+        list.AddTail(o);
+    POSITION first = list.Find(&a);
+    EXPECT_EQ(first, list.GetHeadPosition());
+    EXPECT_EQ(list.Find(&a, first), list.FindIndex(2)) << "searches after the position";
+    EXPECT_EQ(list.Find(&b, list.Find(&b)), nullptr);
+    EXPECT_EQ(list.GetAt(list.FindIndex(1)), &b);
+    EXPECT_EQ(list.FindIndex(4), nullptr);
+    EXPECT_EQ(list.FindIndex(-1), nullptr);
+
     list.RemoveAt(list.Find(&b));
+    list.RemoveAt(list.Find(&a, list.Find(&a)));
     EXPECT_EQ(Items(list), (std::vector<CObject *>{&a, &c}));
+    EXPECT_EQ(ItemsBackward(list), (std::vector<CObject *>{&c, &a}));
     EXPECT_EQ(list.RemoveHead(), &a);
     EXPECT_EQ(list.RemoveTail(), &c);
     EXPECT_TRUE(list.IsEmpty());
@@ -108,22 +117,6 @@ TEST(MCObListTest, RemovalAtEveryPlace)
     list.RemoveAt(nullptr);
     list.SetAt(nullptr, &a);
     EXPECT_EQ(list.GetCount(), 0);
-}
-
-TEST(MCObListTest, FindAndFindIndex)
-{
-    Thing a, b;
-    MCObList list;
-    list.AddTail(&a);
-    list.AddTail(&b);
-    list.AddTail(&a);
-    POSITION first = list.Find(&a);
-    EXPECT_EQ(first, list.GetHeadPosition());
-    EXPECT_EQ(list.Find(&a, first), list.GetTailPosition()) << "searches after the position";
-    EXPECT_EQ(list.Find(&b, list.Find(&b)), nullptr);
-    EXPECT_EQ(list.GetAt(list.FindIndex(1)), &b);
-    EXPECT_EQ(list.FindIndex(3), nullptr);
-    EXPECT_EQ(list.FindIndex(-1), nullptr);
 }
 
 TEST(MCObListTest, ClassFilteredWalkSkipsOtherClasses)

@@ -8,7 +8,7 @@
 
 using ConductorTracks = TrackTest;
 
-TEST_F(ConductorTracks, KindsOutsideTheTableAnswerZeroAndTheFixedKindsAnswerTheirNumbers)
+TEST_F(ConductorTracks, AskingMakesNothingAndKindsOutsideTheTableAnswerZero)
 {
     struct Row
     {
@@ -23,6 +23,15 @@ TEST_F(ConductorTracks, KindsOutsideTheTableAnswerZeroAndTheFixedKindsAnswerThei
     EXPECT_EQ(m_conductor->GetTrack(7, 1, 1), nullptr);
     EXPECT_EQ(m_conductor->GetMaxTrackNumber(2), 0) << "asking must not make a conductor staff";
     EXPECT_EQ(m_conductor->GetTrack(3, 1, 0), nullptr);
+
+    // A conductor outside a document has no command to make its staves with.
+    ECConductor *loose = new ECConductor;
+    loose->Ref();
+    EXPECT_EQ(loose->GetConductorStaff(), nullptr);
+    EXPECT_EQ(loose->GetChordStaff(), nullptr);
+    EXPECT_EQ(loose->GetTrack(3, 1, 1), nullptr);
+    EXPECT_EQ(loose->GetChildren()->GetCount(), 0);
+    loose->Unref(1);
 }
 
 TEST_F(ConductorTracks, ConductorAndChordStaffAreMadeOnceThroughACommand)
@@ -54,17 +63,6 @@ TEST_F(ConductorTracks, ConductorAndChordStaffAreMadeOnceThroughACommand)
     EXPECT_EQ(m_doc->Redo(1), 1);
     EXPECT_EQ(m_conductor->GetConductorStaff(), conductorStaff) << "redo brings back the same object";
     conductorStaff->Unref(1);
-}
-
-TEST_F(ConductorTracks, NothingIsMadeOutsideADocument)
-{
-    ECConductor *loose = new ECConductor;
-    loose->Ref();
-    EXPECT_EQ(loose->GetConductorStaff(), nullptr);
-    EXPECT_EQ(loose->GetChordStaff(), nullptr);
-    EXPECT_EQ(loose->GetTrack(3, 1, 1), nullptr);
-    EXPECT_EQ(loose->GetChildren()->GetCount(), 0);
-    loose->Unref(1);
 }
 
 TEST_F(ConductorTracks, StavesAndWaveTracksAreNumberedAndChildrenFollowTheNumbers)
