@@ -4,10 +4,73 @@
 #include <scoremodel/events/notes/ECMirror.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 
+#include <algorithm>
+#include <vector>
+
 IMPLEMENT_DYNCREATE(CCBase, CObject)
 
 namespace
 {
+// The children of `event`, each once and each with a reference taken, so
+// that none dies while the caller still looks at it.
+std::vector<ECBase *> HoldChildren(ECBase *event)
+{
+    std::vector<ECBase *> held;
+    CCBase::EventList *children = event->GetChildren();
+    for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
+    {
+        ECBase *child = children->GetNext(pos);
+        if (child && std::find(held.begin(), held.end(), child) == held.end())
+        {
+            child->Ref();
+            held.push_back(child);
+        }
+    }
+    return held;
+}
+
+// How many references `event` gets from the parent lists of its own
+// children: the part of its count that its subtree holds.
+int ReferencesFromOwnChildren(ECBase *event)
+{
+    int count = 0;
+    for (ECBase *child : HoldChildren(event))
+    {
+        CCBase::EventList *parents = child->GetParents();
+        for (POSITION pos = parents ? parents->GetHeadPosition() : nullptr; pos;)
+            if (parents->GetNext(pos) == event)
+                ++count;
+        child->Unref(0);
+    }
+    return count;
+}
+
+// True when nothing outside its own subtree holds `child` but the one
+// reference of the caller: no parent, no command, no list.
+bool HeldOnlyByItsSubtree(ECBase *child)
+{
+    CCBase::EventList *parents = child->GetParents();
+    return (parents == nullptr || parents->IsEmpty()) &&
+           child->GetRefCount() == 1 + ReferencesFromOwnChildren(child);
+}
+
+// Detaches the children of `event` shallowly, as a discard does. A parent
+// and its children hold each other, so a child that nothing outside its own
+// subtree holds would live on by that ring alone, out of everyone's reach; it
+// lets go of its children in the same way and dies. A child held elsewhere
+// keeps its subtree whole.
+void ReleaseChildren(ECBase *event)
+{
+    const std::vector<ECBase *> children = HoldChildren(event);
+    event->RemoveChildren(0);
+    for (ECBase *child : children)
+    {
+        if (HeldOnlyByItsSubtree(child))
+            ReleaseChildren(child);
+        child->Unref(1);
+    }
+}
+
 // The mirror list of an event that holds mirrors, or null. Clefs, keys,
 // meters, tempi and the texts of type 21 and 22 hold them; those classes
 // join the library with the signatures and texts, and until then no event
@@ -142,7 +205,7 @@ void CCBase::ProcessDiscardList()
         ReleaseMirrorSource(event);
         event->Ref();
         event->RemoveFromParents();
-        event->RemoveChildren(0);
+        ReleaseChildren(event);
         event->Unref(1);
     }
     delete discarded;

@@ -176,8 +176,10 @@ public:
     // type 21 or 22; nothing for any other event.
     void DiscardMirrors(ECBase *event);
     // For each discarded event from the head: a mirror lets its source go;
-    // then the event leaves its parents and its children (not deeply). Then
-    // the list is deleted.
+    // then the event leaves its parents and its children (not deeply: a child
+    // that something else holds keeps its own children, and one that nothing
+    // else holds is released, its children in the same way). Then the list is
+    // deleted.
     void ProcessDiscardList();
 
 protected:

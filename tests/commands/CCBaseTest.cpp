@@ -2,6 +2,7 @@
 // list that finds or makes commands by id.
 #include "CommandTestSupport.h"
 
+#include <scoremodel/events/base/ECWithTimeChild.h>
 #include <scoremodel/events/notes/ECMirror.h>
 
 namespace
@@ -26,6 +27,18 @@ struct DiscardTree
         doc->RemoveChildren(1);
         doc->Unref(1);
     }
+};
+
+// An event that counts the living instances of its class.
+class CountedEvent : public ECWithTimeChild
+{
+public:
+    static inline int s_live = 0;
+    CountedEvent() { ++s_live; }
+    int GetEventId() const override { return EVENT_ID_WITH_TIME_CHILD; }
+
+protected:
+    ~CountedEvent() override { --s_live; }
 };
 
 std::vector<ECBase *> Listed(CCBase::EventList *list)
@@ -70,6 +83,68 @@ TEST(CCBaseDiscard, ListStopsAtTheFirstEventAlreadyListedAndProcessingDetachesTh
     }
     EXPECT_NE(t.doc->GetChildren()->Find(t.c), nullptr) << "an event off the list was taken out";
     cmd->Unref(1);
+}
+
+TEST(CCBaseDiscard, ChildrenOfADiscardedEventAreFreedUnlessHeldAndAHeldOneKeepsItsSubtree)
+{
+    // discarded -> child -> grandchild, and discarded -> beam -> child, a
+    // child with two parents as a note has with its measure and its beam.
+    const struct
+    {
+        const char *what;
+        bool beam, holdDiscarded, holdChild;
+        int liveAfter;
+    } rows[] = {
+        {"nothing held", false, false, false, 0},
+        {"discarded event held for undo", false, true, false, 1},
+        {"child held", false, false, true, 2},
+        {"child also under a beam", true, false, false, 0},
+        {"child under a beam, held", true, false, true, 2},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.what);
+        const int before = CountedEvent::s_live;
+        ECBase *root = new CountedEvent;
+        root->Ref();
+        ECBase *discarded = new CountedEvent, *child = new CountedEvent, *grandchild = new CountedEvent;
+        root->AddChild(discarded, 0);
+        if (row.beam)
+        {
+            ECBase *beam = new CountedEvent;
+            discarded->AddChild(beam, 0);
+            beam->AddChild(child, 0);
+        }
+        discarded->AddChild(child, 0);
+        child->AddChild(grandchild, 0);
+        if (row.holdDiscarded)
+            discarded->Ref();
+        if (row.holdChild)
+            child->Ref();
+
+        auto *cmd = new TestCommand(nullptr, "x");
+        cmd->Ref();
+        cmd->Discard(discarded);
+        cmd->ProcessDiscardList();
+        cmd->Unref(1);
+        root->RemoveChildren(1);
+        root->Unref(1);
+        EXPECT_EQ(CountedEvent::s_live - before, row.liveAfter);
+
+        if (row.holdDiscarded)
+        {
+            EXPECT_TRUE(discarded->GetChildren() == nullptr || discarded->GetChildren()->IsEmpty());
+            discarded->Unref(1);
+        }
+        if (row.holdChild)
+        {
+            EXPECT_TRUE(child->GetParents()->IsEmpty());
+            EXPECT_EQ(Listed(child->GetChildren()), std::vector<ECBase *>{grandchild}) << "detached, not deeply";
+            child->RemoveChildren(1);
+            child->Unref(1);
+        }
+        EXPECT_EQ(CountedEvent::s_live, before);
+    }
 }
 
 TEST(CCBaseDiscard, DiscardedMirrorLetsGoOfItsSourceBeforeTheSourceDies)
