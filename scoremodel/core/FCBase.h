@@ -40,7 +40,15 @@ public:
 
     FCBase() : m_flags(0) {}
     FCBase(const FCBase &other) = default;
-    FCBase &operator=(const FCBase &other) = default;
+    // Copies the two flags only. The bits above them belong to a subclass and
+    // mean something only beside that subclass's own state (the length of an
+    // FCMidiSysEx beside its buffer), so they move with the subclass's own
+    // assignment and never through a base reference.
+    FCBase &operator=(const FCBase &other)
+    {
+        m_flags = (m_flags & ~static_cast<unsigned long>(FlagMask)) | (other.m_flags & FlagMask);
+        return *this;
+    }
     virtual ~FCBase();
 
     int IsDirty() const { return (m_flags & FlagDirty) != 0; }

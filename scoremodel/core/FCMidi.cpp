@@ -1,4 +1,5 @@
 #include <scoremodel/core/FCMidi.h>
+#include <scoremodel/core/FCMidiSysEx.h>
 
 FCMidi::FCMidi()
 {
@@ -11,6 +12,20 @@ FCMidi::FCMidi(unsigned long value)
 }
 
 FCMidi::~FCMidi() = default;
+
+FCMidi &FCMidi::operator=(const FCMidi &other)
+{
+    if (this == &other)
+        return *this;
+    // FCMidiSysEx is the one member whose state goes beyond the word; handing
+    // it only the word would leave its length and its bytes disagreeing.
+    if (auto *sysEx = dynamic_cast<FCMidiSysEx *>(this))
+        if (auto *source = dynamic_cast<const FCMidiSysEx *>(&other))
+            return *sysEx = *source;
+    FCBase::operator=(other);
+    m_value = other.m_value;
+    return *this;
+}
 
 const FCMidi &FCMidi::MidiNull()
 {

@@ -32,7 +32,11 @@ public:
     FCMidi();
     explicit FCMidi(unsigned long value);
     FCMidi(const FCMidi &other) = default;
-    FCMidi &operator=(const FCMidi &other) = default;
+    // Copies the message word and the two flags. Between two FCMidiSysEx
+    // objects it is the full, deep assignment of FCMidiSysEx, whichever
+    // static type the caller holds, so the bytes and their length always
+    // travel together.
+    FCMidi &operator=(const FCMidi &other);
     ~FCMidi() override;
 
     // The empty message, all three bytes 0; made on first use.

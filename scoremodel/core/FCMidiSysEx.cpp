@@ -67,7 +67,11 @@ FCMidiSysEx &FCMidiSysEx::operator=(const FCMidiSysEx &other)
     delete[] m_buffer;
     m_buffer = copy;
     m_size = length;
-    FCMidi::operator=(other);
+    // The whole flag word, length included: an emptied source keeps reporting
+    // its length, and so does the copy. Not through FCMidi::operator=, which
+    // hands a pair of FCMidiSysEx back here.
+    m_flags = other.m_flags;
+    m_value = other.m_value;
     return *this;
 }
 

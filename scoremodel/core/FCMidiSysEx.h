@@ -116,9 +116,7 @@ public:
 private:
     void SetTemplate(const BYTE *pattern, unsigned int length);
     // The bytes every reader may touch: the length set, but never more than
-    // the buffer holds. The two part only when the flag word was assigned
-    // through a base class reference, which copies the length and not the
-    // bytes; reading by this keeps such an object safe to copy and print.
+    // the buffer holds (a buffer handed back shorter keeps its allocation).
     unsigned int HeldLength() const;
 
     BYTE *m_buffer;

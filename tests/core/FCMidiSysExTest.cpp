@@ -168,15 +168,55 @@ TEST(FCMidiSysEx, CopiesNeverShareTheBufferAndAdoptedBuffersAreFreedOnce)
     tail.SetGMSystemOn(0x10);
     tail.SetSysExBuf(tail.GetSysExBuf() + 3, 50, 0);
     EXPECT_EQ(Bytes(tail), (std::vector<BYTE>{0x09, 0x01, 0xF7}));
+}
 
-    // The base assignment copies the longer length but not the bytes: the
-    // object must not read past the buffer it still holds.
-    FCMidiSysEx shortMessage, longMessage;
-    shortMessage.SetGMSystemOn(0);
+TEST(FCMidiSysEx, AssignmentThroughABaseReferenceKeepsTheLengthWithItsBytes)
+{
+    const std::vector<BYTE> gmOn = {0xF0, 0x7E, 0x00, 0x09, 0x01, 0xF7};
+    const std::vector<BYTE> gsOn = {0xF0, 0x41, 0x00, 0x42, 0x12, 0x40, 0x00, 0x7F, 0x00, 0x41, 0xF7};
+    FCMidiSysEx longMessage;
     longMessage.SetGSSystemOn(0);
-    static_cast<FCMidi &>(shortMessage) = longMessage;
-    EXPECT_EQ(FCMidiSysEx(shortMessage).ConvertToString(), CString(L"f0 7e 00 09 01 f7 "));
-    EXPECT_FALSE(shortMessage.IsGSSystemOnMsg());
+    longMessage.SetDirty();
+    FCMidi noteOn(0x00407F90ul);
+    noteOn.SetOverride();
+
+    // Each row assigns to a short GM message through a reference of another
+    // static type; the length must always describe the bytes held.
+    const struct
+    {
+        const char *what;
+        std::function<void(FCMidiSysEx &)> assign;
+        std::vector<BYTE> bytes;
+        bool dirty, override;
+    } rows[] = {
+        {"FCMidi& from a longer message", [&](FCMidiSysEx &m) { static_cast<FCMidi &>(m) = longMessage; }, gsOn,
+         true, false},
+        {"FCMidi& from a plain message", [&](FCMidiSysEx &m) { static_cast<FCMidi &>(m) = noteOn; }, gmOn, false,
+         true},
+        {"FCBase& from a longer message", [&](FCMidiSysEx &m) { static_cast<FCBase &>(m) = longMessage; }, gmOn,
+         true, false},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.what);
+        FCMidiSysEx m;
+        m.SetGMSystemOn(0);
+        row.assign(m);
+        EXPECT_EQ(m.GetSysExBufLength(), row.bytes.size());
+        EXPECT_EQ(Bytes(m), row.bytes);
+        EXPECT_EQ(m.IsDirty(), row.dirty ? 1 : 0);
+        EXPECT_EQ(m.IsOverride(), row.override ? 1 : 0);
+    }
+    EXPECT_NE(longMessage.GetSysExBuf(), nullptr) << "the source keeps its own bytes";
+
+    // A plain message given a system exclusive one takes the word and flags
+    // and no length: a plain copy of it then copies back nothing stray.
+    FCMidi plain;
+    plain = longMessage;
+    FCMidiSysEx back;
+    static_cast<FCMidi &>(back) = plain;
+    EXPECT_FALSE(back.HasData());
+    EXPECT_EQ(back.GetSysExBufLength(), 0u);
 }
 
 TEST(FCMidiSysEx, TextRoundTripAndTheFormsOfTextAcceptedOrRefused)
