@@ -130,9 +130,14 @@ public:
 
     void SetReverse(int bReverse) { m_bReverse = bReverse ? 1 : 0; }
     int IsReverse() const { return m_bReverse; }
-    // Levels to descend, kept in 8 bits (a value counts modulo 256); 255 is
-    // no limit.
-    void SetDepth(int depth) { m_nDepth = static_cast<BYTE>(depth & 0xFF); }
+    // Levels to descend, 0 to 255; 255 is no limit. A value outside that
+    // range changes nothing: cut to 8 bits, 256 would become 0 and silently
+    // stop the walk at its start.
+    void SetDepth(int depth)
+    {
+        if (depth >= 0 && depth <= kNoDepthLimit)
+            m_nDepth = static_cast<BYTE>(depth);
+    }
     int GetDepth() const { return m_nDepth; }
     // The level the walk is at, counted only under a depth limit.
     int GetCurDepth() const { return m_nCurDepth; }

@@ -98,16 +98,24 @@ TEST(ACBaseTest, BypassedEnvelopeIsInvisibleButItsPointsAreVisitedAtDepthOne)
     }
 }
 
-TEST(ACBaseTest, DepthLimitsTheLevelsBelowTheStart)
+TEST(ACBaseTest, DepthLimitsTheLevelsBelowTheStartAndAnOutOfRangeDepthChangesNothing)
 {
-    const std::pair<int, size_t> cases[] = {{0, 1}, {1, 4}, {2, 6}, {255, 6}, {256, 1}};
-    for (auto [depth, visits] : cases)
+    // Each depth is set over a depth of 1 already in force.
+    const struct
+    {
+        int depth, kept;
+        size_t visits;
+    } cases[] = {{0, 0, 1},   {1, 1, 4},     {2, 2, 6},    {255, 255, 6},
+                 {256, 1, 4}, {511, 1, 4}, {-1, 1, 4}, {-255, 1, 4}};
+    for (const auto &c : cases)
     {
         SmallTree t;
         Recorder action;
-        action.SetDepth(depth);
-        EXPECT_EQ(action.Apply(t.root), depth % 256 == 0 ? ACBase::ResultSkip : ACBase::ResultContinue);
-        EXPECT_EQ(action.visited.size(), visits) << depth;
+        action.SetDepth(1);
+        action.SetDepth(c.depth);
+        EXPECT_EQ(action.GetDepth(), c.kept) << c.depth;
+        EXPECT_EQ(action.Apply(t.root), c.kept == 0 ? ACBase::ResultSkip : ACBase::ResultContinue) << c.depth;
+        EXPECT_EQ(action.visited.size(), c.visits) << c.depth;
     }
 }
 
