@@ -129,7 +129,8 @@ public:
     // Re-expresses the tick of a bar/pulse/tick time at a new resolution:
     // tick = floor(newPPQ * tick / ppq). The tick is never carried into the
     // pulse. Nothing happens for newPPQ <= 0, outside mode 2, for a record ppq
-    // <= 0 or when the resolution is already newPPQ.
+    // <= 0 or when the resolution is already newPPQ. The product newPPQ * tick
+    // wraps in 32 bits, as stored documents expect (0x7FFFFFFF doubled is -2).
     void SetPPQ(int newPPQ);
 
     BYTE GetMode() const { return m_mode; }
@@ -173,7 +174,10 @@ public:
     // another field by field (not lexicographically: (2, 0) is not >= (1, 3))
     // and with a float time only when that time is exactly 0.0. From the float
     // side, a bar/pulse/tick operand reads as NaN, so it is neither ==, >= nor
-    // <= any float time.
+    // <= any float time. Between two resolutions, >= compares raw ticks when
+    // this one's ppq is the larger and <= when it is the smaller, each scaling
+    // otherwise: (1, 1, 120 @ 480) is both >= and <= (1, 1, 100 @ 240) and not
+    // == to it.
     int operator==(const MCTime &b) const;
     int operator!=(const MCTime &b) const { return !(*this == b); }
     int operator>=(const MCTime &b) const;

@@ -107,7 +107,10 @@ public:
     // sharp, the MIDI pitch is spelled afresh by SetPitch(midi, 0, 1), which
     // loses the asked spelling (C plus a triply augmented unison is D sharp).
     // A descending interval measured between contradicting spellings leads
-    // downward, so it does not lead back to where it was measured.
+    // downward, so it does not lead back to where it was measured. For the
+    // same reason a second up from E or B double sharp, whose natural target
+    // lies below it, comes out a semitone low (E double sharp up a major
+    // second gives F double sharp); that is the answer callers get.
     // The result has show accidental set and dirty clear.
     MCPitch GetPitchFromInterval(const MCPitch &pitch, const INTERVAL &interval) const;
 
