@@ -87,7 +87,7 @@ void CheckAgreement(unsigned seed, int size, bool extraParents)
 {
     std::mt19937 rng(seed);
     RandomGraph graph(rng, size, extraParents);
-    const int depths[] = {-1, 0, 1, 2, 3, 255};
+    const int depths[] = {-2, -1, 0, 1, 2, 3, 255, 256};
     for (ECBase *start : graph.events)
     {
         for (int id : {int(EVENT_ID_NOTE), int(EVENT_ID_MEASURE), int(EVENT_ID_SLUR), int(EVENT_ID_TEMPO), int(EVENT_ID_PERFORMANCE), 200})

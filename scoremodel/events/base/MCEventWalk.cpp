@@ -125,8 +125,9 @@ bool MCEventWalk::IsDefaultBypassed(int id)
 
 ECBase *MCEventWalk::FindFirst(ECBase *start, int id, int depth, bool upward)
 {
-    // The action keeps its limit in 8 bits, and 255 means none.
-    int limit = depth == -1 ? 255 : (depth & 0xFF);
+    // The action takes a limit of 0 to 255, 255 meaning none, and keeps its
+    // default (none) for any other value.
+    const int limit = depth >= 0 && depth <= 255 ? depth : 255;
     FindFirstWalk walk{start, id, limit, upward, {}};
     return walk.Apply(start, 0);
 }

@@ -5,7 +5,7 @@
 // actions and cannot use them. These walks give exactly the results of:
 //
 //   FindFirst  - a find-first action with one event id, no bypass list, the
-//                depth limit given (255 or -1: none) and, walking down, the
+//                depth limit given (255, -1 or out of range: none) and, walking down, the
 //                default clip list (beam 7, slur 54, tie 60, glissando 26:
 //                met, but not entered); walking up, no clip list.
 //   CollectAll - a find-all action with no clip list and the default bypass
@@ -31,7 +31,7 @@ class MCEventWalk
 {
 public:
     // The first event of `id` from `start` (included). `depth` levels at most
-    // (-1: no limit; other values count modulo 256, 255 meaning no limit),
+    // (0 to 254; 255, -1 or any value outside 0 to 255: no limit),
     // downward through the children or upward through the parents.
     static ECBase *FindFirst(ECBase *start, int id, int depth, bool upward);
     // Every event from `start` (included) downward, in walk order; an event
