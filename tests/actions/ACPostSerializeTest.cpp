@@ -1,3 +1,4 @@
+#include "ArchiveBytes.h"
 #include "ACTestTree.h"
 
 #include <scoremodel/actions/ACPostSerialize.h>
@@ -45,17 +46,11 @@ TEST(ACPostSerializeTest, WritesEventsThenAttachmentsInWalkOrderAndSkipsGroupCon
     for (int id : {EVENT_ID_BEAM, EVENT_ID_SLUR, EVENT_ID_TIE})
         tree.Add(tree.Add(tree.Root(), new TaggedEvent(id, tag++)), new TaggedEvent(EVENT_ID_NOTE, 0xEE));
 
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
+    const archive_bytes::Bytes bytes = archive_bytes::Store([&](CArchive &ar) {
         ACPostSerialize post(ar);
         post.ClipNone(); // the groups answer "skip" themselves
         EXPECT_EQ(post.Apply(tree.Root()), ACBase::ResultContinue);
-        ar.Close();
-    }
-    std::vector<BYTE> bytes(static_cast<size_t>(mem.GetLength()));
-    mem.SeekToBegin();
-    mem.Read(bytes.data(), static_cast<UINT>(bytes.size()));
+    });
     EXPECT_EQ(bytes, (std::vector<BYTE>{1, 2, 3, 0x30, 0x32, 4, 5, 6}));
 }
 } // namespace

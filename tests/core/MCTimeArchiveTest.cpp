@@ -1,3 +1,5 @@
+#include "ArchiveBytes.h"
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/platform/CArchive.h>
 
@@ -7,20 +9,11 @@
 
 namespace
 {
-using Bytes = std::vector<BYTE>;
+using archive_bytes::Bytes;
 
 Bytes Store(MCTime t, int version = -1)
 {
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        t.Serialize(ar, version);
-        ar.Close();
-    }
-    Bytes out(static_cast<size_t>(mem.GetLength()));
-    mem.SeekToBegin();
-    mem.Read(out.data(), static_cast<UINT>(out.size()));
-    return out;
+    return archive_bytes::Store([&](CArchive &ar) { t.Serialize(ar, version); });
 }
 
 void Load(const Bytes &bytes, MCTime &t, int version)

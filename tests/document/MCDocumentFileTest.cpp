@@ -1,6 +1,7 @@
 // The document file: its exact bytes, round trips of random trees, old
 // layouts steered by the header's version, broken and hostile files, and the
 // atomic save.
+#include "ArchiveBytes.h"
 #include "events/base/EventTestSupport.h"
 
 #include <scoremodel/commands/CCAddTrack.h>
@@ -77,7 +78,7 @@ IMPLEMENT_SERIAL(DocDiskFull, TestLeaf, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Bytes = std::vector<BYTE>;
+using archive_bytes::Bytes;
 
 struct Held
 {
@@ -124,13 +125,7 @@ ECPerformance *Load(const Bytes &bytes, int *version = nullptr)
 // hostile streams. Index 1 is the performance.
 Bytes Document(int version, const std::function<void(CArchive &)> &body)
 {
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        body(ar);
-        ar.Close();
-    }
-    Bytes archive = ToBytes(mem);
+    const Bytes archive = archive_bytes::Store(body);
     Bytes out(MCDocumentFile::kTag, MCDocumentFile::kTag + 8);
     for (int i = 0; i < 4; ++i)
         out.push_back(static_cast<BYTE>(version >> (8 * i)));

@@ -1,6 +1,8 @@
 // Storing events to memory and loading them back, for the archive tests.
 #pragma once
 
+#include "ArchiveBytes.h"
+
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/CFile.h>
@@ -8,22 +10,8 @@
 #include <functional>
 #include <vector>
 
-using Bytes = std::vector<BYTE>;
-
-// The bytes that `write` stores.
-inline Bytes StoreBytes(const std::function<void(CArchive &)> &write)
-{
-    CMemFile mem;
-    {
-        CArchive ar(&mem, CArchive::store);
-        write(ar);
-        ar.Close();
-    }
-    Bytes out(static_cast<size_t>(mem.GetLength()));
-    mem.SeekToBegin();
-    mem.Read(out.data(), static_cast<UINT>(out.size()));
-    return out;
-}
+using archive_bytes::Bytes;
+using archive_bytes::Store;
 
 // Reads `bytes` with `read` and answers how many of them the archive used.
 inline ULONGLONG LoadBytes(const Bytes &bytes, const std::function<void(CArchive &)> &read)

@@ -60,7 +60,7 @@ TEST(EventClassArchiveTest, EveryServedClassRoundTripsItsBaseRecord)
         ECBase *original = MakeFilled(row.id);
         ASSERT_NE(original, nullptr);
 
-        Bytes bytes = StoreBytes([&](CArchive &ar) { ar.WriteObject(original); });
+        Bytes bytes = Store([&](CArchive &ar) { ar.WriteObject(original); });
         ECBase *loaded = nullptr;
         ULONGLONG used = LoadBytes(bytes, [&](CArchive &ar) {
             loaded = static_cast<ECBase *>(AfxReadObjectOfClass(ar, GetEventRuntimeClass(row.id)));

@@ -7,7 +7,7 @@
 // classes this file shares.
 #include <fuzz/archive_objects_classes.h>
 
-#include "platform/ArchiveBytes.h"
+#include "ArchiveBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/ArchiveBytes.h"
+#include "ArchiveBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <scoremodel/platform/CArray.h>
 
-#include "platform/ArchiveBytes.h"
+#include "ArchiveBytes.h"
 
 #include <gtest/gtest.h>
 

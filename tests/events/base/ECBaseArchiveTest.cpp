@@ -147,7 +147,7 @@ TEST_F(ECBaseArchiveTest, TreeRoundTripsWithSharedChildStoredOnce)
     Bytes bytes;
     {
         Score s;
-        bytes = StoreBytes([&](CArchive &ar) { ar << s.root; });
+        bytes = Store([&](CArchive &ar) { ar << s.root; });
     }
     TestNode *root = LoadObject<TestNode>(bytes);
     ASSERT_NE(root, nullptr);
@@ -181,7 +181,7 @@ TEST_F(ECBaseArchiveTest, TimedEventRecordLayoutAndFlagsOnLoad)
     leaf->SetVoiceTrack(1, 2);
     leaf->SetRawFlags(0xA0);
     leaf->SetSelected(1, 3);
-    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << leaf; });
+    Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
     leaf->Unref(1);
     float value = 1.5f;
     Bytes body = {0xAC, 0x00};
@@ -207,7 +207,7 @@ TEST_F(ECBaseArchiveTest, ChildListedTwiceLoadsOnce)
     TestLeaf *leaf = TestLeaf::Make(0);
     parent->GetChildren()->AddTail(leaf);
     parent->GetChildren()->AddTail(leaf); // edited directly: twice
-    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << parent; });
+    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
     parent->GetChildren()->RemoveAll();
     parent->Unref(1);
 
@@ -231,7 +231,7 @@ TEST_F(ECBaseArchiveTest, InvalidEventVanishesFromItsParentAndDies)
     TestLeaf *good = TestLeaf::Make(1);
     parent->AddChild(bad, 1);
     parent->AddChild(good, 1);
-    Bytes bytes = StoreBytes([&](CArchive &ar) { ar << parent; });
+    Bytes bytes = Store([&](CArchive &ar) { ar << parent; });
     TearDownTree(parent);
     parent->Unref(1);
     EXPECT_EQ(TestInvalid::s_alive, invalidBefore);
@@ -264,7 +264,7 @@ TEST_F(ECBaseArchiveTest, AttachmentsRoundTripInTheirSlots)
         TestLeaf *leaf = TestLeaf::Make(0);
         leaf->Ref();
         static_cast<DCArchived *>(leaf->GetData(c.type, 1))->SetValues(7, -9);
-        Bytes bytes = StoreBytes([&](CArchive &ar) { ar << leaf; });
+        Bytes bytes = Store([&](CArchive &ar) { ar << leaf; });
         leaf->Unref(1);
         CPluginData::RemovePlugin(&entry);
 
@@ -289,7 +289,7 @@ TEST_F(ECBaseArchiveTest, EveryTruncationFailsCleanlyAndLeaksNothing)
     Bytes bytes;
     {
         Score s;
-        bytes = StoreBytes([&](CArchive &ar) { ar << s.root; });
+        bytes = Store([&](CArchive &ar) { ar << s.root; });
     }
     for (size_t cut = 0; cut < bytes.size(); ++cut)
     {
@@ -311,7 +311,7 @@ TEST_F(ECBaseArchiveTest, PlainListAndFilterAndAttachmentRecords)
     MCObList list;
     list.AddTail(&filter);
     list.AddTail(&filter);
-    Bytes bytes = StoreBytes([&](CArchive &ar) { list.Serialize(ar); });
+    Bytes bytes = Store([&](CArchive &ar) { list.Serialize(ar); });
 
     MCObList loaded;
     LoadBytes(bytes, [&](CArchive &ar) { loaded.Serialize(ar); });

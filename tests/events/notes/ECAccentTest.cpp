@@ -82,7 +82,7 @@ TEST(ECAccentTest, TheTypeTravelsThroughCopyAndTheArchive)
     dst->Copy(src);
     EXPECT_TRUE(*dst == *src);
 
-    ECAccent *loaded = LoadObject<ECAccent>(StoreBytes([&](CArchive &ar) { ar << src; }));
+    ECAccent *loaded = LoadObject<ECAccent>(Store([&](CArchive &ar) { ar << src; }));
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->GetAccentType(), 0x67);
     loaded->Ref();

@@ -141,7 +141,7 @@ TEST_F(ConductorArchive, TheWaveTrackArrayFollowsTheStoredNumbersNotTheChildOrde
         conductor->AddChild(track, 0);
     }
 
-    auto *loaded = LoadObject<ECConductor>(StoreBytes([&](CArchive &ar) { ar.WriteObject(conductor); }));
+    auto *loaded = LoadObject<ECConductor>(Store([&](CArchive &ar) { ar.WriteObject(conductor); }));
     ASSERT_NE(loaded, nullptr);
     loaded->Ref();
     ASSERT_EQ(loaded->GetMaxTrackNumber(3), 3);

@@ -57,7 +57,7 @@ TEST(ECPerformanceConductor, FoundWhenAddedAndWhenLoaded)
     doc->AddChild(conductor, 0);
     EXPECT_EQ(doc->GetConductor(), conductor);
 
-    Bytes bytes = StoreBytes([&](CArchive &ar) { doc->Serialize(ar); });
+    Bytes bytes = Store([&](CArchive &ar) { doc->Serialize(ar); });
     ECPerformance *loaded = NewDocument();
     LoadBytes(bytes, [&](CArchive &ar) { loaded->Serialize(ar); });
     ASSERT_NE(loaded->GetConductor(), nullptr);
