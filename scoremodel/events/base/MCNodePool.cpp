@@ -59,11 +59,29 @@ struct Stock
     std::vector<void *> chunks;
 };
 
+Stock *g_stock = nullptr;
+
+// A child made by fork while another thread held the stock's lock would
+// find it locked for ever: the lock is taken around the fork instead.
+void LockBeforeFork()
+{
+    g_stock->lock.lock();
+}
+
+void UnlockAfterFork()
+{
+    g_stock->lock.unlock();
+}
+
 // Never destroyed: nodes are still freed while the process exits, by
 // lists that static objects and other threads hold.
 Stock &TheStock()
 {
-    static Stock *stock = new Stock;
+    static Stock *stock = [] {
+        g_stock = new Stock;
+        (void)pthread_atfork(LockBeforeFork, UnlockAfterFork, UnlockAfterFork);
+        return g_stock;
+    }();
     return *stock;
 }
 
