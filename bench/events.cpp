@@ -23,6 +23,7 @@
 #include <scoremodel/events/base/ECWithTime.h>
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/base/MCEventList.h>
+#include <scoremodel/events/base/MCEventWalk.h>
 #include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/events/notes/ECBeam.h>
 #include <scoremodel/events/notes/ECChord.h>
@@ -40,7 +41,6 @@
 #include <malloc.h>
 #include <map>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace
@@ -189,22 +189,14 @@ size_t HeapInUse()
 
 size_t NodeBytes(ECBase *root)
 {
+    std::vector<ECBase *> events;
+    MCEventWalk::CollectAll(root, events);
     size_t nodes = 0;
-    std::unordered_set<ECBase *> seen;
-    std::vector<ECBase *> stack{root};
-    while (!stack.empty())
+    for (ECBase *e : events)
     {
-        ECBase *e = stack.back();
-        stack.pop_back();
-        if (!seen.insert(e).second)
-            continue;
         nodes += static_cast<size_t>(e->GetParents()->GetCount());
         if (ECBase::EventList *children = e->GetChildren())
-        {
             nodes += static_cast<size_t>(children->GetCount());
-            for (POSITION pos = children->GetHeadPosition(); pos;)
-                stack.push_back(children->GetNext(pos));
-        }
     }
     return nodes * MCNodePool::kBlockSize;
 }
