@@ -297,6 +297,9 @@ int main(int argc, char **argv)
     }
     if (command == "--help" || command == "-h")
         return Usage(stdout);
+    // Edits run on the thread that pumps the loop: this one, named before any
+    // other library call.
+    MCCommandMgr::SetDocumentThread();
     try
     {
         if (command == "demo" && argc <= 3)

@@ -5,6 +5,7 @@
 #include <scoremodel/events/structure/ECPerformance.h>
 
 #include <algorithm>
+#include <unordered_set>
 #include <vector>
 
 IMPLEMENT_DYNCREATE(CCBase, CObject)
@@ -12,15 +13,29 @@ IMPLEMENT_DYNCREATE(CCBase, CObject)
 namespace
 {
 // The children of `event`, each once and each with a reference taken, so
-// that none dies while the caller still looks at it.
+// that none dies while the caller still looks at it. Linear in the number of
+// children: a set tells the repeats once the list is long enough for a
+// search of the kept ones to cost more than hashing.
 std::vector<ECBase *> HoldChildren(ECBase *event)
 {
     std::vector<ECBase *> held;
     CCBase::EventList *children = event->GetChildren();
-    for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
+    if (!children)
+        return held;
+    constexpr int kShortList = 16;
+    const int count = children->GetCount();
+    held.reserve(static_cast<size_t>(count));
+    std::unordered_set<ECBase *> seen;
+    if (count > kShortList)
+        seen.reserve(static_cast<size_t>(count));
+    for (POSITION pos = children->GetHeadPosition(); pos;)
     {
         ECBase *child = children->GetNext(pos);
-        if (child && std::find(held.begin(), held.end(), child) == held.end())
+        if (!child)
+            continue;
+        const bool repeat = count > kShortList ? !seen.insert(child).second
+                                               : std::find(held.begin(), held.end(), child) != held.end();
+        if (!repeat)
         {
             child->Ref();
             held.push_back(child);

@@ -7,8 +7,12 @@
 #include <scoremodel/platform/MCLanguageManager.h>
 #include <scoremodel/state/SCCommand.h>
 
+#include <scoremodel/platform/MessageBox.h>
+#include <scoremodel/state/MCStateMgr.h>
+
 #include <cwchar>
-#include <vector>
+#include <exception>
+#include <memory>
 
 int MCCommandMgr::s_nUndoCount = MCCommandMgr::DefaultUndoLevels;
 BOOL MCCommandMgr::s_bInitialized = FALSE;
@@ -24,6 +28,28 @@ MCCommandMgr *ManagerOf(ECPerformance *perf)
 {
     return perf ? perf->GetCommandMgr() : nullptr;
 }
+
+// Runs host code (a notification, an undo step) whose exception must not cut
+// the library's own bookkeeping short: the first exception is kept for the
+// caller to rethrow once its state is whole.
+template <class F> void KeepFirstException(std::exception_ptr &first, F &&run)
+{
+    try
+    {
+        run();
+    }
+    catch (...)
+    {
+        if (!first)
+            first = std::current_exception();
+    }
+}
+
+void RethrowIfAny(const std::exception_ptr &first)
+{
+    if (first)
+        std::rethrow_exception(first);
+}
 } // namespace
 
 MCCommandMgr::MCCommandMgr() : m_bUndoMode(0), m_bNotifyMode(0), m_bUndoing(0)
@@ -34,8 +60,10 @@ MCCommandMgr::MCCommandMgr() : m_bUndoMode(0), m_bNotifyMode(0), m_bUndoing(0)
 MCCommandMgr::~MCCommandMgr()
 {
     // The queue of the timer is empty here: each queued command keeps the
-    // document alive until its batch has run.
-    delete m_pTimer;
+    // document alive until its batch has run. The timer may be running the
+    // batch that let the document go; it then goes when that batch ends.
+    if (m_pTimer)
+        m_pTimer->Release(nullptr);
     m_pTimer = nullptr;
     RemoveCommandHandlers();
     ClearUndo();
@@ -58,6 +86,46 @@ void MCCommandMgr::Initialize()
     // A window that went with its thread is made again by the next manager.
     if (!IsWindow(s_hWnd))
         s_hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+}
+
+int MCCommandMgr::SetDocumentThread()
+{
+    Initialize();
+    if (!s_bInitialized)
+        return 0;
+    if (GetWindowThreadProcessId(s_hWnd, nullptr) != GetCurrentThreadId())
+    {
+        // The old window stays with its thread, and whatever was already on
+        // its way there still runs there; everything from now on comes here.
+        HWND hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        if (!hWnd)
+            return 0;
+        s_hWnd = hWnd;
+    }
+    return MCStateMgr::SetDocumentThread();
+}
+
+int MCCommandMgr::Undeliverable(CCBase *cmd, ECPerformance *perf)
+{
+    // Taken back as though the command had never been applied: the brackets
+    // do not wait for it, and it dies here unless the caller holds it.
+    if (MCCommandMgr *mgr = ManagerOf(perf))
+    {
+        if (cmd->IsRecordUndo() && mgr->m_nUndoPending > 0)
+            --mgr->m_nUndoPending;
+        if (cmd->IsRecordNotify() && mgr->m_nNotifyPending > 0)
+            --mgr->m_nNotifyPending;
+        cmd->SetRecordUndo(0);
+        cmd->SetRecordNotify(0);
+    }
+    cmd->Unref(1);
+    return 0;
+}
+
+void MCCommandMgr::ReportUndeliverable()
+{
+    MCMessageBox(MCLanguageManager::GetText(L"TuDataModel_Commands_MCCommandMgr", L"IDD_DM_MB_COMMAND_UNDELIVERED"),
+                 MB_OK | MB_ICONERROR);
 }
 
 LRESULT MCCommandMgr::CommandWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -96,23 +164,33 @@ int MCCommandMgr::InitCommand(CCBase *cmd, ECPerformance *perf)
 
 int MCCommandMgr::ApplyCommand(CCBase *cmd, ECPerformance *perf)
 {
-    if (!cmd || !perf || !IsWindow(s_hWnd))
+    if (!cmd || !perf)
         return 0;
+    // The command window went with the thread that made it: nothing would
+    // ever run the command.
+    const bool deliverable = IsWindow(s_hWnd);
     perf->Ref();
     InitCommand(cmd, perf);
-    if (cmd->IsSynchronous())
+    if (deliverable && cmd->IsSynchronous())
+    {
         SendMessageW(s_hWnd, CommandMessage, 0, reinterpret_cast<LPARAM>(cmd));
-    else
-        PostMessageW(s_hWnd, CommandMessage, 0, reinterpret_cast<LPARAM>(cmd));
-    return 1;
+        return 1;
+    }
+    if (deliverable && PostMessageW(s_hWnd, CommandMessage, 0, reinterpret_cast<LPARAM>(cmd)))
+        return 1;
+    Undeliverable(cmd, perf);
+    perf->Unref(1);
+    ReportUndeliverable();
+    return 0;
 }
 
 int MCCommandMgr::ApplyCommands(MCCommandList *list, ECPerformance *perf)
 {
-    if (!list || !perf || list->IsEmpty() || !IsWindow(s_hWnd))
+    if (!list || !perf || list->IsEmpty())
         return 0;
+    const bool deliverable = IsWindow(s_hWnd);
     perf->Ref();
-    auto *batch = new CommandList;
+    auto batch = std::make_unique<CommandList>();
     // The list is synchronous when every command is (MCCommandList::
     // IsSynchronous), found on the way instead of by another walk.
     bool synchronous = true;
@@ -125,11 +203,23 @@ int MCCommandMgr::ApplyCommands(MCCommandList *list, ECPerformance *perf)
         InitCommand(cmd, perf);
         batch->AddTail(cmd);
     }
-    if (synchronous)
-        SendMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch));
-    else
-        PostMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch));
-    return 1;
+    // From here the window owns the heap list and deletes it.
+    if (deliverable && synchronous)
+    {
+        SendMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch.release()));
+        return 1;
+    }
+    if (deliverable && PostMessageW(s_hWnd, CommandMessage, 1, reinterpret_cast<LPARAM>(batch.get())))
+    {
+        batch.release();
+        return 1;
+    }
+    while (!batch->IsEmpty())
+        if (CCBase *cmd = batch->RemoveHead())
+            Undeliverable(cmd, perf);
+    perf->Unref(1);
+    ReportUndeliverable();
+    return 0;
 }
 
 int MCCommandMgr::OnCommandMsg(unsigned int wParam, long lParam)
@@ -151,17 +241,17 @@ int MCCommandMgr::OnCommandMsg(unsigned int wParam, long lParam)
     }
     else if (wParam == 1)
     {
-        auto *list = reinterpret_cast<CommandList *>(lParam);
+        // Deleted here whatever the handlers of the batch throw.
+        std::unique_ptr<CommandList> list(reinterpret_cast<CommandList *>(lParam));
         if (!list)
             return 0;
         if (MCCommandMgr *mgr = ManagerOf(list->GetTarget()))
         {
             if (mgr->m_pTimer && !list->IsSynchronous())
-                mgr->m_pTimer->AddCommands(list);
+                mgr->m_pTimer->AddCommands(list.get());
             else
                 mgr->OnCommand(*list);
         }
-        delete list;
     }
     return 0;
 }
@@ -215,18 +305,13 @@ int MCCommandMgr::CallHandlers(int phase, CommandList &list)
 {
     if (m_handlers.IsEmpty())
         return 1;
-    // From a copy: a handler may add or remove handlers while it runs.
-    std::vector<MCFuncList::CALLBACK_REC> records;
-    records.reserve(static_cast<size_t>(m_handlers.GetCount()));
-    for (POSITION pos = m_handlers.GetHeadPosition(); pos;)
-        if (auto *rec = static_cast<MCFuncList::CALLBACK_REC *>(m_handlers.GetNext(pos)))
-            records.push_back(*rec);
+    // A handler may add or remove handlers while it runs: the pass calls
+    // those listed when it began and not removed since.
+    MCFuncList::Pass pass(m_handlers);
     int answer = 1;
-    for (const MCFuncList::CALLBACK_REC &rec : records)
+    while (const MCFuncList::CALLBACK_REC *rec = pass.Next())
     {
-        if (!rec.pfn)
-            continue;
-        int result = rec.pfn(m_pOwner, phase, &list, rec.userData);
+        int result = rec->pfn(m_pOwner, phase, &list, rec->userData);
         if (result == -1)
             return -1;
         if (result == 0)
@@ -272,12 +357,20 @@ int MCCommandMgr::Process(CommandList &list)
 
 int MCCommandMgr::Finish(CommandList &list, ECPerformance *)
 {
+    // A state handler that throws on the announcement must not leave the
+    // rest of the batch unfinished and the counters raised: the batch is
+    // finished first, then the exception goes on to the host.
+    std::exception_ptr failure;
     for (POSITION pos = list.GetHeadPosition(); pos;)
     {
         CCBase *cmd = list.GetNext(pos);
         cmd->SetCommandPhase(CCBase::PhaseFinish);
         if (!cmd->Finish())
-            return Abort(cmd);
+        {
+            Abort(cmd);
+            RethrowIfAny(failure);
+            return 0;
+        }
         if (cmd->IsRecordUndo() && m_pUndoItem)
         {
             m_pUndoItem->AddCommand(cmd);
@@ -291,9 +384,10 @@ int MCCommandMgr::Finish(CommandList &list, ECPerformance *)
                 m_pNotifyState->AddCommand(cmd);
             --m_nNotifyPending;
             if (!m_bNotifyMode && m_nNotifyPending == 0)
-                FinishNotify();
+                KeepFirstException(failure, [this] { FinishNotify(); });
         }
     }
+    RethrowIfAny(failure);
     return 1;
 }
 
@@ -455,7 +549,8 @@ void MCCommandMgr::SetCommandRate(unsigned int ms)
     // longer this manager's, so nothing queues on it meanwhile.
     MCCommandTimer *old = m_pTimer;
     m_pTimer = nullptr;
-    delete old;
+    if (old)
+        old->Release(this);
     if (ms)
         m_pTimer = new MCCommandTimer(this, ms);
 }
@@ -474,6 +569,10 @@ int MCCommandMgr::Undo(int)
         return 0;
     SetNotifyMode(1);
     m_bUndoing = 1;
+    // The steps are undone whatever the state handlers throw; the index, the
+    // flag and the notify mode move as if they had not, and the first
+    // exception reaches the host afterwards.
+    std::exception_ptr failure;
     for (int done = 0; done < n; ++done)
     {
         // Looked up afresh: the state handlers that an undo calls may have
@@ -481,11 +580,12 @@ int MCCommandMgr::Undo(int)
         MCUndoItem *item = m_undoList.GetAt(m_undoList.FindIndex(m_nUndoIndex));
         if (!item)
             break;
-        item->UndoCommands();
+        KeepFirstException(failure, [item] { item->UndoCommands(); });
         ++m_nUndoIndex;
     }
-    SetNotifyMode(0);
     m_bUndoing = 0;
+    KeepFirstException(failure, [this] { SetNotifyMode(0); });
+    RethrowIfAny(failure);
     return 1;
 }
 
@@ -499,15 +599,17 @@ int MCCommandMgr::Redo(int)
     if (n < 1)
         return 0;
     SetNotifyMode(1);
+    std::exception_ptr failure;
     for (int done = 0; done < n && m_nUndoIndex > 0; ++done)
     {
         MCUndoItem *item = m_undoList.GetAt(m_undoList.FindIndex(m_nUndoIndex - 1));
         if (!item)
             break;
-        item->RedoCommands();
+        KeepFirstException(failure, [item] { item->RedoCommands(); });
         --m_nUndoIndex;
     }
-    SetNotifyMode(0);
+    KeepFirstException(failure, [this] { SetNotifyMode(0); });
+    RethrowIfAny(failure);
     return 1;
 }
 

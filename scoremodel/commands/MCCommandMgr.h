@@ -42,7 +42,12 @@
 // at and above it can be undone. An index of -1 means nothing was ever filed.
 //
 // Threads. All commands run on the thread that owns the command window, the
-// thread that built the first manager. Apply from another thread sends or
+// thread that built the first manager, or the one that called
+// SetDocumentThread. A host that may touch the library from a worker first
+// (loading a document in the background) calls SetDocumentThread on its main
+// thread before anything else; otherwise the worker becomes the document
+// thread, and once it ends nothing can run a command: Apply then answers 0
+// and tells the user through the message box. Apply from another thread sends or
 // posts to it (a send blocks until the batch ran), but counts the command
 // into the brackets on the calling thread without a lock: the host must not
 // do that while a batch runs. The document lock is held for a whole batch;
@@ -89,19 +94,32 @@ public:
     MCCommandMgr(const MCCommandMgr &) = delete;
     MCCommandMgr &operator=(const MCCommandMgr &) = delete;
 
+    // ---- The document thread ----
+
+    // Makes the calling thread the document thread: the command window and
+    // the state window (MCStateMgr) are made here, replacing windows that
+    // another thread made. Call it on the thread that pumps MCMessageLoop,
+    // before any other library call. 1 on success, 0 when no window could be
+    // made.
+    static int SetDocumentThread();
+
     // ---- Delivery (any thread) ----
 
     // Counts the command into the document's open undo step (when it can
     // undo) and open notification, takes a reference, copies the undoing
     // flag and sets the target. Returns 1.
     static int InitCommand(CCBase *cmd, ECPerformance *perf);
-    // 0 when either pointer is null or the command window is gone. Otherwise
-    // takes a reference on the document, runs InitCommand and sends the
-    // command (synchronous) or posts it; returns 1.
+    // 0 when either pointer is null. Otherwise takes a reference on the
+    // document, runs InitCommand and sends the command (synchronous) or posts
+    // it; returns 1. A command that cannot be delivered (the command window
+    // went with its thread) is taken back out of the brackets, let go
+    // (it dies unless the caller holds it), reported through the message
+    // box, and the answer is 0.
     static int ApplyCommand(CCBase *cmd, ECPerformance *perf);
     // 0 for a null pointer or an empty list. Otherwise as ApplyCommand for a
     // copy of the list, sent when every command is synchronous; the caller's
-    // list is left as it was. Returns 1.
+    // list is left as it was. Returns 1, or 0 as ApplyCommand when the
+    // commands cannot be delivered.
     static int ApplyCommands(MCCommandList *list, ECPerformance *perf);
     // The command window's handler of CommandMessage; always 0.
     static int OnCommandMsg(unsigned int wParam, long lParam);
@@ -217,6 +235,11 @@ private:
     int GetStepName(CString &out, int index) const;
     // Moves `item` to the trash. REQUIRES: s_trashCS held.
     static void Trash(MCUndoItem *item);
+    // Takes back what InitCommand counted and gives back its reference;
+    // returns 0.
+    static int Undeliverable(CCBase *cmd, ECPerformance *perf);
+    // Tells the user that an edit could not be delivered.
+    static void ReportUndeliverable();
 
     unsigned m_bUndoMode : 1;
     unsigned m_bNotifyMode : 1;

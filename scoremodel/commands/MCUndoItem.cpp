@@ -3,6 +3,8 @@
 #include <scoremodel/commands/CCBase.h>
 #include <scoremodel/state/SCCommand.h>
 
+#include <memory>
+
 void MCUndoItem::AddCommand(CCBase *cmd)
 {
     if (!cmd)
@@ -20,7 +22,8 @@ void MCUndoItem::RemoveCommand(CCBase *cmd)
 
 void MCUndoItem::UndoCommands()
 {
-    auto *record = new SCCommand(SCCommand::CodeUndone);
+    // Owned here until it is applied, in case a command's Undo throws.
+    auto record = std::make_unique<SCCommand>(SCCommand::CodeUndone);
     for (POSITION pos = m_commands.GetTailPosition(); pos;)
     {
         CCBase *cmd = m_commands.GetPrev(pos);
@@ -33,7 +36,7 @@ void MCUndoItem::UndoCommands()
         record->AddCommand(cmd);
     }
     record->SetSynchronous(1);
-    record->Apply(m_pTarget);
+    record.release()->Apply(m_pTarget);
 }
 
 void MCUndoItem::RedoCommands()

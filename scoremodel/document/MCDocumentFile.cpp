@@ -388,10 +388,23 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
     const bool replacing = ::stat(target.c_str(), &st) == 0;
 
     // A name of its own for each save, beside the target so that the rename
-    // stays on one file system.
+    // stays on one file system. The file is made exclusively and a link is
+    // never followed: whatever already stands at the name (a leftover, or a
+    // link planted by someone else) is left alone and the next name tried.
     static std::atomic<unsigned> s_counter{0};
-    const std::string temp = target + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(++s_counter);
-    CFile file(temp.c_str(), CFile::modeCreate | CFile::modeWrite);
+    std::string temp;
+    int fd = -1;
+    for (int attempt = 0; fd < 0; ++attempt)
+    {
+        temp = target + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(++s_counter);
+        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        if (fd < 0 && (errno != EEXIST || attempt >= 100))
+        {
+            const int err = errno;
+            throw CFileException(CFileException::OsErrorToCause(err), err, temp);
+        }
+    }
+    CFile file(fd);
     try
     {
         if (replacing)

@@ -41,6 +41,21 @@ void MCStateMgr::Initialize()
         s_hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
 }
 
+int MCStateMgr::SetDocumentThread()
+{
+    Initialize();
+    if (!s_bInitialized)
+        return 0;
+    if (GetWindowThreadProcessId(s_hWnd, nullptr) != GetCurrentThreadId())
+    {
+        HWND hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        if (!hWnd)
+            return 0;
+        s_hWnd = hWnd;
+    }
+    return 1;
+}
+
 LRESULT MCStateMgr::StateWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == StateMessage)
@@ -94,22 +109,38 @@ int MCStateMgr::OnStateMsg(unsigned int wParam, long lParam)
     auto *state = reinterpret_cast<SCBase *>(lParam);
     if (!state)
         return 0;
+    // Delivered or not, an auto-delete record is gone afterwards.
+    struct DeleteAfter
+    {
+        SCBase *state;
+        ~DeleteAfter()
+        {
+            if (state->IsAutoDelete())
+                delete state;
+        }
+    } deleteAfter{state};
     state->DoState();
     if (ECPerformance *target = state->GetTarget())
         target->GetStateMgr()->OnState(state);
     else if (HWND main = MCMessageLoop::GetMainWindow())
         SendMessageW(main, StateMessage, wParam, lParam);
-    if (state->IsAutoDelete())
-        delete state;
     return 0;
 }
 
 void MCStateMgr::OnState(SCBase *state)
 {
+    // The reference ApplyState took, given back last, whatever a handler
+    // throws; the document may go with it.
+    struct GiveBack
+    {
+        ECPerformance *owner;
+        ~GiveBack()
+        {
+            if (owner)
+                owner->Unref(1);
+        }
+    } giveBack{m_pOwner};
     m_handlers.CallCallbacks(m_pOwner, 0, state);
     if (s_pfnGlobalHandler)
         s_pfnGlobalHandler(m_pOwner, 0, state, s_pGlobalData);
-    // The reference ApplyState took; the document may go with it.
-    if (m_pOwner)
-        m_pOwner->Unref(1);
 }

@@ -17,7 +17,8 @@
 // deleted at once.
 //
 // Threads. Records are delivered on the thread that owns the window, the
-// thread of the first manager (or of the first SetGlobalHandler). A posted
+// thread of the first manager (or of the first SetGlobalHandler), unless the
+// host named the document thread first (MCCommandMgr::SetDocumentThread). A posted
 // record holds a reference on its document until delivery. The handler
 // lists are not locked: they belong to the document thread.
 #pragma once
@@ -48,13 +49,20 @@ public:
     // has a document; null removes it. Makes the window if needed.
     static void SetGlobalHandler(MCFuncList::CALLBACK_FUNC fn, void *data);
 
+    // Makes the state window on the calling thread, replacing one that
+    // another thread made; MCCommandMgr::SetDocumentThread calls it. 1 on
+    // success.
+    static int SetDocumentThread();
+
     void AddStateHandler(MCFuncList::CALLBACK_FUNC fn, void *data);
     void RemoveStateHandlers();
 
-    // The window's handler of StateMessage; always 0.
+    // The window's handler of StateMessage; always 0. An exception from a
+    // handler goes on to the sender, after the record is deleted (if auto
+    // delete) and the document's reference given back, as on a delivery.
     static int OnStateMsg(unsigned int wParam, long lParam);
     // Calls the handlers, then the global handler, then gives back the
-    // reference the record took on the owner.
+    // reference the record took on the owner (also when a handler throws).
     void OnState(SCBase *state);
 
     void SetOwner(ECPerformance *owner) { m_pOwner = owner; }

@@ -27,6 +27,8 @@
 #include <set>
 #include <utility>
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
 
 // An attachment with two values, as a plug-in would add.
@@ -592,6 +594,32 @@ TEST_F(MCDocumentFileTest, SaveReplacesAtomicallyAndAFailedSaveLeavesTheOldFile)
     {
         EXPECT_EQ(e.GetPath(), (dir / "text.smd").string());
     }
+    fs::remove_all(dir);
+}
+
+// A link planted at the names a save may pick for its temporary file must not
+// lead the save into overwriting the link's target.
+TEST_F(MCDocumentFileTest, SaveNeverWritesThroughALinkPlantedAtItsTemporaryName)
+{
+    const fs::path dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "document-link-test";
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    const fs::path victim = dir / "victim.txt";
+    std::ofstream(victim) << "precious";
+    const std::string path = (dir / "song.smd").string();
+    for (int n = 1; n <= 60; ++n)
+        fs::create_symlink(victim, path + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(n));
+
+    Held doc(RandomDocument(6));
+    MCDocumentFile::Save(doc.p, path.c_str());
+
+    std::ifstream in(victim);
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(text, "precious");
+    EXPECT_FALSE(fs::is_symlink(path)) << "the saved document is a file of its own";
+    Held loaded(MCDocumentFile::Load(path.c_str()));
+    std::map<ECBase *, ECBase *> pairs;
+    ExpectSameTree(doc.p, loaded.p, pairs);
     fs::remove_all(dir);
 }
 

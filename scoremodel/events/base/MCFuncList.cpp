@@ -5,7 +5,10 @@
 
 MCFuncList::~MCFuncList()
 {
+    m_nPasses = 0;
     RemoveCallbacks();
+    for (CALLBACK_REC *rec : m_retired)
+        delete rec;
 }
 
 POSITION MCFuncList::AddCallback(CALLBACK_FUNC pfn, void *userData)
@@ -46,21 +49,62 @@ int MCFuncList::RemoveCallback(CALLBACK_FUNC pfn)
 void MCFuncList::RemoveCallbacks()
 {
     while (!IsEmpty())
-        delete static_cast<CALLBACK_REC *>(RemoveTail());
+    {
+        auto *rec = static_cast<CALLBACK_REC *>(RemoveTail());
+        if (!rec)
+            continue;
+        if (m_nPasses == 0)
+        {
+            delete rec;
+            continue;
+        }
+        // A pass may still hold the record: it learns of the removal from the
+        // cleared function and skips it.
+        rec->pfn = nullptr;
+        try
+        {
+            m_retired.push_back(rec);
+        }
+        catch (...)
+        {
+            // Out of memory: the record is lost rather than freed under a pass.
+        }
+    }
 }
 
 int MCFuncList::CallCallbacks(ECBase *document, int code, void *argument)
 {
-    // Call from a copy of the records: a handler may add or remove handlers
-    // (even RemoveCallbacks) while it runs without pulling the list from
-    // under this loop.
-    std::vector<CALLBACK_REC> records;
-    records.reserve(static_cast<size_t>(GetCount()));
-    for (POSITION pos = GetHeadPosition(); pos;)
-        if (auto *rec = static_cast<CALLBACK_REC *>(GetNext(pos)))
-            records.push_back(*rec);
-    for (const CALLBACK_REC &rec : records)
-        if (rec.pfn)
-            rec.pfn(document, code, argument, rec.userData);
+    Pass pass(*this);
+    while (const CALLBACK_REC *rec = pass.Next())
+        rec->pfn(document, code, argument, rec->userData);
     return 0;
+}
+
+MCFuncList::Pass::Pass(MCFuncList &list) : m_list(list)
+{
+    m_records.reserve(static_cast<size_t>(list.GetCount()));
+    for (POSITION pos = list.GetHeadPosition(); pos;)
+        if (auto *rec = static_cast<CALLBACK_REC *>(list.GetNext(pos)))
+            m_records.push_back(rec);
+    ++m_list.m_nPasses;
+}
+
+MCFuncList::Pass::~Pass()
+{
+    if (--m_list.m_nPasses > 0)
+        return;
+    for (CALLBACK_REC *rec : m_list.m_retired)
+        delete rec;
+    m_list.m_retired.clear();
+}
+
+const MCFuncList::CALLBACK_REC *MCFuncList::Pass::Next()
+{
+    while (m_next < m_records.size())
+    {
+        const CALLBACK_REC *rec = m_records[m_next++];
+        if (rec->pfn)
+            return rec;
+    }
+    return nullptr;
 }

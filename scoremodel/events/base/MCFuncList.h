@@ -13,10 +13,20 @@
 // removed their handlers with RemoveCallbacks; the behaviour is kept so that
 // nobody starts relying on a removal that older documents' hosts never saw.
 //
+// A call pass (CallCallbacks, or a Pass of the owner's own) calls the
+// records listed when it began, in order, and skips any record that a handler
+// removed in the meantime: a view closed by another view's handler is not
+// called with its freed user data. Records removed during a pass are freed
+// when the last pass ends. The list must outlive its passes; the model's
+// owners hold a reference on the document for the length of a call.
+//
 // No lock: the list belongs to the thread that owns its document.
 #pragma once
 
 #include <scoremodel/events/base/MCPtrList.h>
+
+#include <cstddef>
+#include <vector>
 
 class ECBase;
 
@@ -48,7 +58,32 @@ public:
     void RemoveCallbacks();
     // Calls every handler from the head with the three arguments and its user
     // word. The results are ignored; returns 0. The handlers called are those
-    // listed when the call began: a handler may add or remove handlers while
-    // it runs, and the change applies from the next call.
+    // listed when the call began and not removed since: a handler added while
+    // it runs is called from the next call on, a handler removed is not called
+    // any more. An exception from a handler leaves at once.
     int CallCallbacks(ECBase *document, int code, void *argument);
+
+    // One walk over the records, for an owner that needs the handlers'
+    // answers (the command manager). Next gives the records listed when the
+    // pass began, skipping those removed since, and null at the end.
+    class Pass
+    {
+    public:
+        explicit Pass(MCFuncList &list);
+        ~Pass();
+        Pass(const Pass &) = delete;
+        Pass &operator=(const Pass &) = delete;
+        const CALLBACK_REC *Next();
+
+    private:
+        MCFuncList &m_list;
+        std::vector<CALLBACK_REC *> m_records;
+        size_t m_next = 0;
+    };
+
+private:
+    // Passes running now, and the records removed while they run: kept, with
+    // their function cleared, until the last pass ends.
+    int m_nPasses = 0;
+    std::vector<CALLBACK_REC *> m_retired;
 };

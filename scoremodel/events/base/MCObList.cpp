@@ -3,6 +3,7 @@
 #include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/platform/CArchive.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -215,8 +216,20 @@ MCObList::~MCObList()
 
 UINT MCObList::UseIndex() const
 {
-    if (m_hIndex || m_nCount < kIndexThreshold)
-        return m_hIndex;
+    // Searches are reads, and several threads may search one list that
+    // nobody changes meanwhile: the index they share is built by one of them
+    // under a lock and published with a release store, so each sees either
+    // no index or a whole one. Changes of the list exclude every reader (see
+    // the header), so the node hooks need no lock.
+    std::atomic_ref<UINT> published(m_hIndex);
+    if (UINT handle = published.load(std::memory_order_acquire))
+        return handle;
+    if (m_nCount < kIndexThreshold)
+        return 0;
+    static std::mutex s_buildMutex;
+    std::lock_guard<std::mutex> lock(s_buildMutex);
+    if (UINT handle = published.load(std::memory_order_relaxed))
+        return handle;
     auto index = std::make_unique<MembershipIndex>(m_nCount);
     for (Node *node = m_pNodeHead; node; node = node->pNext)
         index->Insert(node->data, node);
@@ -224,9 +237,9 @@ UINT MCObList::UseIndex() const
     if (handle)
     {
         index.release();
-        m_hIndex = handle;
+        published.store(handle, std::memory_order_release);
     }
-    return m_hIndex;
+    return handle;
 }
 
 void MCObList::DropIndex() const

@@ -18,7 +18,11 @@
 // and kept up by the node hooks, so that Contains is O(1) and Find of an
 // element that occurs once is O(1). Short lists never pay for an index.
 //
-// Threads: no lock. A list belongs to the thread that owns its document.
+// Threads: a list belongs to the thread that owns its document, and every
+// change (adding, removing, replacing) needs that thread alone. Reads - the
+// walks, GetAt, GetCount, FindIndex, and Find and Contains, which may build
+// the membership index - are safe from any number of threads at once, as
+// long as no thread changes the list meanwhile.
 //
 // Archive record (schema 1): the count by WriteCount, then each element by
 // WriteObject; loading appends with AddTail.
@@ -149,7 +153,7 @@ protected:
 
 private:
     // Handle of the membership index in the process-wide index table, 0 for
-    // none. It occupies what would otherwise be padding beside the count, so
+    // none. Searches read and publish it atomically (std::atomic_ref). It occupies what would otherwise be padding beside the count, so
     // short lists cost nothing for it.
     mutable UINT m_hIndex = 0;
 
