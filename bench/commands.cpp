@@ -10,12 +10,20 @@
 // per-command time should be flat: the program prints it for each N and the
 // ratio of 100,000 over 10,000 for each phase. 10,000 commands and their
 // lists still fit in the caches and 100,000 do not, so that ratio also shows
-// the memory; 200,000 over 100,000 shows what the code adds.
+// the memory; 200,000 over 100,000 shows what the code adds. The goal is a
+// ratio of 200,000 over 10,000 within 1.3 for every phase, printed last.
+//
+// Discard: a command discards an event with N children (10,000 and 320,000),
+// against a direct RemoveChildren(0) of the same tree; both must be linear,
+// so the ratio of the per-child times of the two sizes should stay near 1.
 #include <scoremodel/commands/CCBase.h>
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/platform/MCMessageLoop.h>
+
+#include <scoremodel/events/base/EventIds.h>
+#include <scoremodel/events/base/EventRegistry.h>
 
 #include <benchmark/benchmark.h>
 
@@ -164,6 +172,49 @@ void BM_PostedCommands(benchmark::State &state)
     Run(state, true);
 }
 
+// An event with `n` children, held by the caller.
+ECBase *Family(long n)
+{
+    ECBase *parent = CreateEventW(EVENT_ID_WITH_TIME_CHILD);
+    parent->Ref();
+    for (long i = 0; i < n; ++i)
+        parent->AddChild(CreateEventW(EVENT_ID_WITH_TIME), 0);
+    return parent;
+}
+
+std::map<long, std::pair<double, double>> s_discard; // ns per child: discard, direct
+
+void BM_DiscardChildren(benchmark::State &state)
+{
+    const long n = (long)state.range(0);
+    double best = 0, bestDirect = 0;
+    for (auto _ : state)
+    {
+        ECBase *parent = Family(n);
+        auto *cmd = new CCBase;
+        cmd->Ref();
+        cmd->Discard(parent);
+        double start = Now();
+        cmd->Process();
+        const double discard = (Now() - start) / (double)n;
+        cmd->Unref(1);
+        parent->Unref(1);
+
+        parent = Family(n);
+        start = Now();
+        parent->RemoveChildren(0);
+        const double direct = (Now() - start) / (double)n;
+        parent->Unref(1);
+        if (best == 0 || discard < best)
+            best = discard;
+        if (bestDirect == 0 || direct < bestDirect)
+            bestDirect = direct;
+        state.SetIterationTime(discard * (double)n * 1e-9);
+    }
+    s_discard[n] = {best, bestDirect};
+}
+
+BENCHMARK(BM_DiscardChildren)->Arg(10000)->Arg(320000)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_SyncCommands)->Arg(10000)->Arg(100000)->Arg(200000)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PostedCommands)->Arg(10000)->Arg(100000)->Arg(200000)->UseManualTime()->Unit(benchmark::kMillisecond);
 } // namespace
@@ -181,7 +232,7 @@ int main(int argc, char **argv)
     {
         for (const auto &[n, p] : bySize)
             std::printf("%-6s %7ld  %8.1f %8.1f %8.1f\n", name.c_str(), n, p.apply, p.undo, p.redo);
-        const std::pair<long, long> ratios[] = {{10000, 100000}, {100000, 200000}};
+        const std::pair<long, long> ratios[] = {{10000, 100000}, {100000, 200000}, {10000, 200000}};
         for (const auto &[from, to] : ratios)
         {
             auto small = bySize.find(from), large = bySize.find(to);
@@ -191,5 +242,11 @@ int main(int argc, char **argv)
                             large->second.redo / small->second.redo);
         }
     }
+    std::printf("\nns per child     discard   direct\n");
+    for (const auto &[n, times] : s_discard)
+        std::printf("discard %7ld  %8.1f %8.1f\n", n, times.first, times.second);
+    if (s_discard.size() == 2)
+        std::printf("discard ratio 320k/10k %5.2f %8.2f\n", s_discard.rbegin()->second.first / s_discard.begin()->second.first,
+                    s_discard.rbegin()->second.second / s_discard.begin()->second.second);
     return 0;
 }
