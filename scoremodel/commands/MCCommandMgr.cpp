@@ -7,6 +7,7 @@
 #include <scoremodel/platform/MCLanguageManager.h>
 #include <scoremodel/state/SCCommand.h>
 
+#include <scoremodel/platform/MCMessageLoop.h>
 #include <scoremodel/platform/MessageBox.h>
 #include <scoremodel/state/MCStateMgr.h>
 
@@ -91,17 +92,12 @@ void MCCommandMgr::Initialize()
 int MCCommandMgr::SetDocumentThread()
 {
     Initialize();
-    if (!s_bInitialized)
+    // A window of another thread stays with it, and whatever was already on
+    // its way there still runs there; everything from now on comes here.
+    HWND hWnd = s_bInitialized ? MCMessageLoop::OwnWindowOfClass(s_hWnd, s_className) : nullptr;
+    if (!hWnd)
         return 0;
-    if (GetWindowThreadProcessId(s_hWnd, nullptr) != GetCurrentThreadId())
-    {
-        // The old window stays with its thread, and whatever was already on
-        // its way there still runs there; everything from now on comes here.
-        HWND hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-        if (!hWnd)
-            return 0;
-        s_hWnd = hWnd;
-    }
+    s_hWnd = hWnd;
     return MCStateMgr::SetDocumentThread();
 }
 

@@ -43,3 +43,10 @@ HWND MCMessageLoop::GetMainWindow()
 {
     return MessageQueue::Current()->GetMainWindow();
 }
+
+HWND MCMessageLoop::OwnWindowOfClass(HWND hWnd, LPCWSTR className)
+{
+    if (hWnd && GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId())
+        return hWnd;
+    return CreateWindowExW(0, className, className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+}

@@ -64,4 +64,12 @@ public:
     // The calling thread's main window, or null when none was set or it has
     // been destroyed since.
     static HWND GetMainWindow();
+
+    // ---- Hidden windows of the calling thread -----------------------------
+
+    // `hWnd` when the calling thread owns it; otherwise a new window of the
+    // registered class `className`, titled with the class name, made on this
+    // thread. Null when it could not be made. The library's hidden windows
+    // move to the document thread with it.
+    static HWND OwnWindowOfClass(HWND hWnd, LPCWSTR className);
 };

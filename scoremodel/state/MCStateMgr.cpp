@@ -44,15 +44,10 @@ void MCStateMgr::Initialize()
 int MCStateMgr::SetDocumentThread()
 {
     Initialize();
-    if (!s_bInitialized)
+    HWND hWnd = s_bInitialized ? MCMessageLoop::OwnWindowOfClass(s_hWnd, s_className) : nullptr;
+    if (!hWnd)
         return 0;
-    if (GetWindowThreadProcessId(s_hWnd, nullptr) != GetCurrentThreadId())
-    {
-        HWND hWnd = CreateWindowExW(0, s_className, s_className, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-        if (!hWnd)
-            return 0;
-        s_hWnd = hWnd;
-    }
+    s_hWnd = hWnd;
     return 1;
 }
 
