@@ -53,8 +53,20 @@
 // do that while a batch runs. The document lock is held for a whole batch;
 // s_trashCS guards the trash list and is always the inner lock.
 //
+// Handlers that throw. An exception from a command or state handler reaches
+// the host (out of Apply, EndUndo, Undo, Redo or the pump), but only after
+// the library has put its own house in order: the batch's commands and list
+// are released and the document's reference given back; a throw on the
+// announcement of a batch (code 500) leaves the rest of the batch finished
+// and the counters down; a throw on an undo (code 501) still moves the undo
+// index and clears the undoing flag and the notify mode. A command handler
+// that throws counts as one that cancelled. A handler removed by another
+// during a pass is not called in it.
+//
 // Cost. One command costs a constant on its road: no walk of the history,
-// the trash or the handler list per command beyond calling each handler.
+// the trash or the handler list per command beyond calling each handler. The
+// command lists keep their nodes in order (MCCommandList), so that a long
+// batch or undo step is walked through memory in sequence.
 #pragma once
 
 #include <scoremodel/commands/MCCommandList.h>
