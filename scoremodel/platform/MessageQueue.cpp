@@ -169,6 +169,36 @@ void MessageQueue::ResetWakeup()
     }
 }
 
+void MessageQueue::PostedRing::push_back(Posted &&posted)
+{
+    if (m_size == m_slots.size())
+    {
+        std::vector<Posted> slots(m_slots.empty() ? 16 : 2 * m_slots.size());
+        for (size_t i = 0; i < m_size; ++i)
+            slots[i] = std::move(At(i));
+        m_slots.swap(slots);
+        m_head = 0;
+    }
+    m_slots[(m_head + m_size) & (m_slots.size() - 1)] = std::move(posted);
+    ++m_size;
+}
+
+void MessageQueue::PostedRing::pop_front()
+{
+    m_slots[m_head] = Posted{};
+    m_head = (m_head + 1) & (m_slots.size() - 1);
+    --m_size;
+    ShrinkIfEmpty();
+}
+
+void MessageQueue::PostedRing::ShrinkIfEmpty()
+{
+    if (m_size == 0 && m_slots.size() > kKeptSlots)
+        std::vector<Posted>().swap(m_slots);
+    if (m_size == 0)
+        m_head = 0;
+}
+
 bool MessageQueue::Post(const std::shared_ptr<WindowObject> &window, UINT msg, WPARAM wParam, LPARAM lParam)
 {
     {
@@ -299,10 +329,7 @@ void MessageQueue::Forget(const WindowObject *window)
     std::vector<Timer> timers;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        auto keepPosted = std::stable_partition(m_posted.begin(), m_posted.end(),
-                                                [&](const Posted &p) { return p.window.get() != window; });
-        std::move(keepPosted, m_posted.end(), std::back_inserter(posted));
-        m_posted.erase(keepPosted, m_posted.end());
+        m_posted.MoveOutIf([&](const Posted &p) { return p.window.get() == window; }, posted);
 
         auto keepSent = std::stable_partition(m_sent.begin(), m_sent.end(),
                                               [&](const Sent *s) { return s->window.get() != window; });
@@ -325,7 +352,7 @@ void MessageQueue::Close()
         window->alive = false;
         WindowObject::Remove(window->hWnd);
     }
-    std::deque<Posted> posted;
+    PostedRing posted;
     std::deque<Sent *> sent;
     std::vector<Timer> timers;
     {

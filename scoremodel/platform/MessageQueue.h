@@ -107,6 +107,55 @@ private:
         WPARAM wParam;
         LPARAM lParam;
     };
+    // The posted messages, first in first out, in one ring of slots. A
+    // burst of posts allocates only when the ring doubles, never a block per
+    // few messages as a deque does: the host's own allocations between its
+    // posts (the commands it posts) then stay next to one another in memory,
+    // and every later walk over them reads in sequence. An emptied ring
+    // larger than kKeptSlots gives its memory back.
+    class PostedRing
+    {
+    public:
+        static constexpr size_t kKeptSlots = 4096;
+
+        bool empty() const { return m_size == 0; }
+        size_t size() const { return m_size; }
+        Posted &front() { return m_slots[m_head]; }
+        void push_back(Posted &&posted);
+        void pop_front();
+        // Moves the messages for which `remove` holds to `out`, in order; the
+        // others keep theirs.
+        template <class Pred> void MoveOutIf(Pred remove, std::vector<Posted> &out)
+        {
+            size_t kept = 0;
+            for (size_t i = 0; i < m_size; ++i)
+            {
+                Posted &p = At(i);
+                if (remove(p))
+                    out.push_back(std::move(p));
+                else if (kept++ != i)
+                    At(kept - 1) = std::move(p);
+            }
+            for (size_t i = kept; i < m_size; ++i)
+                At(i) = Posted{};
+            m_size = kept;
+            ShrinkIfEmpty();
+        }
+        void swap(PostedRing &other) noexcept
+        {
+            m_slots.swap(other.m_slots);
+            std::swap(m_head, other.m_head);
+            std::swap(m_size, other.m_size);
+        }
+
+    private:
+        Posted &At(size_t i) { return m_slots[(m_head + i) & (m_slots.size() - 1)]; }
+        void ShrinkIfEmpty();
+
+        std::vector<Posted> m_slots; // a power of two, or none
+        size_t m_head = 0;
+        size_t m_size = 0;
+    };
     struct Sent
     {
         std::shared_ptr<WindowObject> window;
@@ -148,7 +197,7 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_cond; // new work, or a reply to this thread's send
-    std::deque<Posted> m_posted;
+    PostedRing m_posted;
     std::deque<Sent *> m_sent;
     std::vector<Timer> m_timers;
     unsigned long long m_nextSerial = 1; // also counts SetTimer calls, which WaitForWork watches
