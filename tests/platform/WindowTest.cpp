@@ -167,6 +167,42 @@ TEST(Window, MessagesQueuedForAWindowDestroyedBeforeDeliveryAreDropped)
     EXPECT_EQ(selfDestroying.Numbers(), std::vector<UINT>({WM_USER + 3})) << "what it still had queued is dropped";
 }
 
+// A long burst of posts, begun behind messages already taken from the front,
+// grows the queue several times and wraps around it; a window destroyed in
+// the middle takes only its own messages, and the rest keep their order.
+TEST(Window, ALongBurstKeepsItsOrderThroughGrowthWrapAndADestroyedWindow)
+{
+    DrainQueue();
+    RecordingWindow doomed, survivor;
+    for (WPARAM i = 0; i < 5; ++i)
+        PostMessageW(survivor.hWnd(), WM_USER, i, 0);
+    // Three taken from the front: the burst starts in the middle of the ring.
+    int left = 3;
+    survivor.answer = [&left](HWND, UINT, WPARAM, LPARAM) {
+        if (--left == 0)
+            throw std::runtime_error("stop");
+        return (LRESULT)0;
+    };
+    EXPECT_THROW(MCMessageLoop::ProcessPending(), std::runtime_error);
+    survivor.answer = nullptr;
+    constexpr WPARAM kBurst = 20000;
+    for (WPARAM i = 5; i < kBurst; ++i)
+    {
+        PostMessageW(i % 3 ? survivor.hWnd() : doomed.hWnd(), WM_USER, i, 0);
+        if (i == kBurst / 2)
+            DestroyWindow(doomed.hWnd());
+    }
+    MCMessageLoop::ProcessPending();
+    EXPECT_TRUE(doomed.messages.empty());
+    std::vector<WPARAM> expected, got;
+    for (WPARAM i = 0; i < kBurst; ++i)
+        if (i < 5 || i % 3)
+            expected.push_back(i);
+    for (const DeliveredMessage &m : survivor.messages)
+        got.push_back(m.wParam);
+    EXPECT_EQ(got, expected);
+}
+
 TEST(Window, ASenderWaitingOnAWindowThatIsDestroyedGetsZero)
 {
     DrainQueue();
