@@ -5,11 +5,10 @@
 #include <scoremodel/commands/MCUndoItem.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/platform/MCLanguageManager.h>
-#include <scoremodel/state/SCCommand.h>
-
 #include <scoremodel/platform/MCMessageLoop.h>
 #include <scoremodel/platform/MessageBox.h>
 #include <scoremodel/state/MCStateMgr.h>
+#include <scoremodel/state/SCCommand.h>
 
 #include <cwchar>
 #include <exception>
