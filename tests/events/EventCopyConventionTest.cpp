@@ -358,3 +358,72 @@ TEST(EventCopyConventionTest, FiltersCopyAndCompareBothBytes)
     LCBase copy(a);
     EXPECT_TRUE(copy == a);
 }
+
+// The copy constructors, reached as a derived class reaches them: unlike
+// operator=, they copy the time too, and still no link, flag or count.
+class CopiedTimed : public ECWithTime
+{
+public:
+    explicit CopiedTimed(const ECWithTime &other) : ECWithTime(other) {}
+};
+class CopiedTimedChild : public ECWithTimeChild
+{
+public:
+    explicit CopiedTimedChild(const ECWithTimeChild &other) : ECWithTimeChild(other) {}
+};
+class CopiedStaff : public ECStaff
+{
+public:
+    explicit CopiedStaff(const ECStaff &other) : ECStaff(other) {}
+};
+
+TEST(EventCopyConventionTest, CopyConstructorsTakeTheTimeButNoLinks)
+{
+    auto *parent = Make<ECWithChild>(EVENT_ID_WITH_CHILD);
+    auto *timed = Make<ECWithTime>(EVENT_ID_WITH_TIME);
+    auto *container = Make<ECWithTimeChild>(EVENT_ID_WITH_TIME_CHILD);
+    auto *staff = Make<ECStaff>(EVENT_ID_STAFF);
+    for (ECBase *e : std::initializer_list<ECBase *>{timed, container, staff})
+    {
+        SetTimeAndVoice(e, 3.0f, 2, 5);
+        e->SetSelected(1, 3);
+        parent->AddChild(e, 0);
+    }
+    container->AddChild(CreateEventW(EVENT_ID_WITH_TIME), 0);
+    staff->SetStaffType(ECStaff::StaffTypeTwoHands);
+    staff->SetStaffEmpty(0);
+    staff->SetStaffLines(3);
+
+    ECBase *copies[] = {new CopiedTimed(*timed), new CopiedTimedChild(*container), new CopiedStaff(*staff)};
+    for (ECBase *copy : copies)
+    {
+        SCOPED_TRACE(copy->GetEventId());
+        EXPECT_TRUE(*copy->GetTime() == MCTime(3.0f));
+        EXPECT_EQ(copy->GetVoice(), 2);
+        EXPECT_EQ(copy->GetTrack(), 5);
+        EXPECT_EQ(copy->GetRefCount(), 0);
+        EXPECT_EQ(copy->GetSelectedFlag(), 0u);
+        EXPECT_EQ(copy->GetFlags() & ECBase::FlagHasChildren, 0);
+        EXPECT_TRUE(copy->GetParents()->IsEmpty());
+        if (copy->GetChildren())
+        {
+            EXPECT_TRUE(copy->GetChildren()->IsEmpty());
+        }
+    }
+    auto *copiedStaff = static_cast<ECStaff *>(copies[2]);
+    EXPECT_EQ(copiedStaff->GetStaffType(), ECStaff::StaffTypeTwoHands);
+    EXPECT_EQ(copiedStaff->GetStaffLines(), 3);
+    EXPECT_EQ(copiedStaff->IsStaffEmpty(), 1) << "a new staff starts empty";
+    for (ECBase *copy : copies)
+    {
+        copy->Ref();
+        copy->Unref(1);
+    }
+    Release(parent);
+    parent->Unref(1);
+    for (ECBase *e : std::initializer_list<ECBase *>{timed, container, staff})
+    {
+        Release(e);
+        e->Unref(1);
+    }
+}
