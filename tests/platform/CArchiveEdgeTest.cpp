@@ -175,3 +175,39 @@ TEST(CArchiveEdges, MappingAnObjectTwiceTakesTwoIndicesAndReferencesTheLater)
         EXPECT_EQ(d, &root);
     });
 }
+
+TEST(CArchiveEdges, MisuseAfterCloseAndNullBuffersAreRefusedClearly)
+{
+    CMemFile mem;
+    CArchive ar(&mem, CArchive::store);
+    ar << DWORD(1);
+    ar.Close();
+    ar.Close(); // twice: nothing
+    ar.Flush(); // closed: nothing
+    EXPECT_EQ(CauseOf([&] { ar << DWORD(2); }), CArchiveException::genericException);
+    EXPECT_EQ(mem.GetLength(), 4u);
+
+    CMemFile other;
+    CArchive store(&other, CArchive::store);
+    EXPECT_THROW(store.Write(nullptr, 4), CInvalidArgException);
+    store.Write(nullptr, 0); // nothing to write: no buffer needed
+    EXPECT_EQ(CauseOf([&] { store.WriteClass(nullptr); }), CArchiveException::badClass);
+    store.Abort();
+
+    // A 64-bit length that fits is read as it is; a null reference through
+    // the const form reads as null.
+    const Bytes bytes = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 3, 0, 0, 0, 0, 0, 0, 0, 'a', 'b', 'c', 0x00, 0x00};
+    Load(bytes, [](CArchive &in) {
+        CStringA s;
+        in >> s;
+        EXPECT_EQ(s.Str(), "abc");
+        ArEdgePoint sentinel;
+        const CObject *p = &sentinel;
+        in >> p;
+        EXPECT_EQ(p, nullptr);
+        EXPECT_THROW(in.Read(nullptr, 1), CInvalidArgException);
+        EXPECT_EQ(in.Read(nullptr, 0), 0u);
+        in.ForgetLoadedObjects(5); // more than were loaded: nothing
+        EXPECT_TRUE(in.GetLoadedObjects().empty());
+    });
+}
