@@ -1,0 +1,85 @@
+// The conductor's placing operations, which the track commands call: what
+// they refuse (null, a track placed already, a kind they do not place) and
+// where they would put a track back.
+#include "events/structure/TrackTestSupport.h"
+
+#include <scoremodel/events/base/EventRegistry.h>
+#include <scoremodel/events/structure/ECTrack.h>
+
+namespace
+{
+// The placing operations are protected, for the track commands; a derived
+// class names them so the test can call them on the document's conductor.
+struct Placing : ECConductor
+{
+    static constexpr auto Insert = &Placing::InsertTrack;
+    static constexpr auto Remove = &Placing::RemoveTrack;
+    static constexpr auto Place = &Placing::GetPlace;
+    static constexpr auto InsertWave = &Placing::InsertWaveTrack;
+    static constexpr auto RemoveWave = &Placing::RemoveWaveTrack;
+    static constexpr auto WaveNumber = &Placing::GetWaveTrackNumber;
+};
+
+using ConductorPlacing = TrackTest;
+
+TEST_F(ConductorPlacing, RefusalsLeaveTheTracksAsTheyWere)
+{
+    ECConductor &c = *m_conductor;
+    ECConductorStaff *conductorStaff = c.GetConductorStaff();
+    CountedStaff *staff = AddStaff();
+    CountedWaveTrack *wave = AddWave();
+    const std::vector<ECBase *> before = Children();
+
+    EXPECT_EQ((c.*Placing::Insert)(nullptr, 0), -1);
+    EXPECT_EQ((c.*Placing::Insert)(conductorStaff, 0), -1) << "the conductor staff is placed already";
+    auto *plain = static_cast<ECTrack *>(CreateEventW(EVENT_ID_TRACK));
+    plain->Ref();
+    EXPECT_EQ((c.*Placing::Insert)(plain, 0), -1) << "a bare track is no kind the conductor places";
+    EXPECT_EQ((c.*Placing::InsertWave)(nullptr, 0), -1);
+    EXPECT_EQ((c.*Placing::InsertWave)(wave, 0), -1) << "placed already";
+
+    (c.*Placing::Remove)(nullptr);
+    (c.*Placing::Remove)(plain);
+    auto *loose = new CountedWaveTrack;
+    loose->Ref();
+    (c.*Placing::RemoveWave)(loose);
+    (c.*Placing::RemoveWave)(nullptr);
+    EXPECT_EQ(Children(), before);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{staff}));
+    EXPECT_EQ(Tracks(3), (std::vector<ECTrack *>{wave}));
+
+    EXPECT_EQ((c.*Placing::Place)(nullptr), -1);
+    EXPECT_EQ((c.*Placing::Place)(plain), -1);
+    EXPECT_EQ((c.*Placing::Place)(loose), -1);
+    EXPECT_EQ((c.*Placing::WaveNumber)(loose), -1);
+    EXPECT_EQ((c.*Placing::Place)(conductorStaff), 0);
+    plain->Unref(1);
+    loose->Unref(1);
+}
+
+TEST_F(ConductorPlacing, APlaceIsWhereInsertPutsTheTrackBack)
+{
+    ECConductor &c = *m_conductor;
+    c.GetConductorStaff();
+    AddStaff();
+    CountedStaff *second = AddStaff();
+    AddStaff();
+    AddWave();
+    CountedWaveTrack *wave = AddWave();
+    const std::vector<ECTrack *> staves = Tracks(2), waves = Tracks(3);
+
+    for (ECTrack *track : std::initializer_list<ECTrack *>{second, wave})
+    {
+        SCOPED_TRACE(track->GetEventId());
+        const int place = (c.*Placing::Place)(track);
+        EXPECT_GE(place, 0);
+        track->Ref();
+        (c.*Placing::Remove)(track);
+        EXPECT_EQ((c.*Placing::Place)(track), -1) << "not placed any more";
+        EXPECT_GE((c.*Placing::Insert)(track, place), 0);
+        track->Unref(1);
+        EXPECT_EQ(Tracks(2), staves);
+        EXPECT_EQ(Tracks(3), waves);
+    }
+}
+} // namespace
