@@ -4,6 +4,8 @@
 #include "events/structure/TrackTestSupport.h"
 
 #include <scoremodel/events/base/EventRegistry.h>
+#include <scoremodel/events/envelopes/ECTempoEnv.h>
+#include <scoremodel/events/signatures/ECMeterEnv.h>
 #include <scoremodel/events/structure/ECTrack.h>
 
 namespace
@@ -81,5 +83,61 @@ TEST_F(ConductorPlacing, APlaceIsWhereInsertPutsTheTrackBack)
         EXPECT_EQ(Tracks(2), staves);
         EXPECT_EQ(Tracks(3), waves);
     }
+}
+} // namespace
+
+namespace
+{
+TEST_F(ConductorPlacing, TheStaffArrayAnswersForStrangersAndMakesAStaffOnlyWhenAsked)
+{
+    ECConductorStaff *cs = m_conductor->GetConductorStaff();
+    CountedStaff *first = AddStaff();
+    auto *stranger = new CountedStaff;
+    stranger->Ref();
+
+    EXPECT_EQ(cs->GetStaffNumber(nullptr), -1);
+    EXPECT_EQ(cs->GetStaffNumber(stranger), -1);
+    EXPECT_EQ(cs->GetStaffNumber(cs), 0);
+    EXPECT_EQ(cs->GetStaff(5, 0), nullptr);
+    EXPECT_EQ(cs->GetStaff(-1, 0), nullptr);
+    EXPECT_EQ(cs->InsertStaff(nullptr, 1), -1);
+    EXPECT_EQ(cs->InsertStaff(first, 1), -1) << "in the array already";
+    cs->RemoveStaff(stranger);
+    cs->RemoveStaff(cs);
+    cs->RemoveStaff(nullptr);
+    EXPECT_EQ(cs->GetMaxStaffNumber(), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{first}));
+
+    // Asked to make one, it adds a staff at the end, whatever number was asked.
+    ECStaff *made = cs->GetStaff(7, 1);
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(cs->GetStaffNumber(made), 2);
+    EXPECT_EQ(made->GetTrack(), 2);
+    stranger->Unref(1);
+}
+
+TEST_F(ConductorPlacing, TheEnvelopeShortcutsFollowAddingAndRemoving)
+{
+    ECConductorStaff *cs = m_conductor->GetConductorStaff();
+    ECBase *tempoEnv = static_cast<ECBase *>(CRuntimeClass::FromName("ECTempoEnv")->CreateObject());
+    ECBase *meterEnv = static_cast<ECBase *>(CRuntimeClass::FromName("ECMeterEnv")->CreateObject());
+    ECBase *text = CreateEventW(EVENT_ID_TEXT);
+    ASSERT_TRUE(cs->AddChild(tempoEnv, 0));
+    ASSERT_TRUE(cs->AddChild(meterEnv, 0));
+    ASSERT_TRUE(cs->AddChild(text, 0));
+    EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv);
+    EXPECT_EQ(static_cast<ECBase *>(cs->GetMeterEnv()), meterEnv);
+
+    EXPECT_TRUE(cs->RemoveChild(text, 0));
+    EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv) << "another child leaves both";
+    EXPECT_TRUE(cs->RemoveChild(meterEnv, 0));
+    EXPECT_EQ(cs->GetMeterEnv(), nullptr);
+    EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv);
+    EXPECT_TRUE(cs->RemoveChild(tempoEnv, 0));
+    EXPECT_EQ(cs->GetTempoEnv(), nullptr);
+    ECBase *stranger = CreateEventW(EVENT_ID_TEXT);
+    stranger->Ref();
+    EXPECT_FALSE(cs->RemoveChild(stranger, 0)) << "not a child";
+    stranger->Unref(1);
 }
 } // namespace
