@@ -4,6 +4,7 @@
 // A copy that took a parent, a child or a flag would tie a pasted event into
 // the tree it was copied from.
 #include "events/EventClassTable.h"
+#include "events/base/EventTestSupport.h"
 
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/DCBase.h>
@@ -67,6 +68,16 @@ T *Make(int id)
     T *e = dynamic_cast<T *>(CreateEventW(id));
     e->Ref();
     return e;
+}
+
+// == as expected, and != its negation; then both events are released.
+template <class T>
+void ExpectEqualAndRelease(T *a, T *b, bool equal)
+{
+    EXPECT_EQ(*a == *b, equal ? 1 : 0);
+    EXPECT_EQ(*a != *b, equal ? 0 : 1);
+    a->Unref(1);
+    b->Unref(1);
 }
 
 void SetTimeAndVoice(ECBase *e, float time, int voice, int track)
@@ -148,10 +159,7 @@ TEST(EventCopyConventionTest, TheBasesCompareIdentityAnythingOrTimeAndVoice)
         SetTimeAndVoice(x, 1.0f, 1, 5);
         SetTimeAndVoice(y, 1.0f, 1, 5);
         changes[i](y);
-        EXPECT_EQ(*x == *y, equal[i] ? 1 : 0);
-        EXPECT_EQ(*x != *y, equal[i] ? 0 : 1);
-        x->Unref(1);
-        y->Unref(1);
+        ExpectEqualAndRelease(x, y, equal[i]);
     }
 }
 
@@ -214,10 +222,7 @@ TEST(EventCopyConventionTest, StaffComparesTypeSizeAndLinesOnly)
         auto *a = Make<ECStaff>(EVENT_ID_STAFF);
         auto *b = Make<ECStaff>(EVENT_ID_STAFF);
         c.change(b);
-        EXPECT_EQ(*a == *b, c.equal ? 1 : 0);
-        EXPECT_EQ(*a != *b, c.equal ? 0 : 1);
-        a->Unref(1);
-        b->Unref(1);
+        ExpectEqualAndRelease(a, b, c.equal);
     }
 }
 
@@ -300,24 +305,9 @@ TEST(EventCopyConventionTest, DocumentLevelClassesCopyOnlyTheirBasesAndCompareId
     s2->Unref(1);
 }
 
-// An attachment that lets the test set the values the base keeps.
-class DCCopyProbe : public DCBase
-{
-    DECLARE_SERIAL(DCCopyProbe)
-
-public:
-    void SetValues(int a, int b)
-    {
-        m_value = a;
-        m_value2 = b;
-    }
-    int Value() const { return m_value.GetValue(); }
-};
-IMPLEMENT_SERIAL(DCCopyProbe, DCBase, VERSIONABLE_SCHEMA | 2)
-
 TEST(EventCopyConventionTest, AttachmentsCopyNothingAndCompareTheirStateWord)
 {
-    DCCopyProbe src, dst;
+    DCArchived src, dst;
     ECBase *owner = CreateEventW(EVENT_ID_BASE);
     owner->Ref();
     src.SetValues(7, 8);

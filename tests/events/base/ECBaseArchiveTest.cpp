@@ -29,20 +29,6 @@ protected:
 IMPLEMENT_SERIAL(TestInvalid, ECWithTime, VERSIONABLE_SCHEMA | 2)
 int TestInvalid::s_alive = 0;
 
-class DCArchived : public DCBase
-{
-    DECLARE_SERIAL(DCArchived)
-
-public:
-    void SetValues(int a, int b)
-    {
-        m_value = a;
-        m_value2 = b;
-    }
-    int Value() const { return m_value.GetValue(); }
-    int Value2() const { return m_value2.GetValue(); }
-};
-IMPLEMENT_SERIAL(DCArchived, DCBase, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
