@@ -47,11 +47,16 @@ def main():
 
     with open(full_path) as f:
         full = json.load(f)
-    silent = []
+    # A template has one entry per instantiation; its source ran when any
+    # instantiation at that line did.
+    places = {}
     for entry in full["files"]:
         for fn in entry.get("functions", []):
-            if fn.get("execution_count", 0) == 0 and WATCHED.search(fn["name"]):
-                silent.append(f"{entry['file']}:{fn['lineno']}: {fn['name']}")
+            if WATCHED.search(fn["name"]):
+                key = (entry["file"], fn["lineno"])
+                ran, name = places.get(key, (False, fn["name"]))
+                places[key] = (ran or fn.get("execution_count", 0) > 0, name)
+    silent = [f"{f}:{line}: {name}" for (f, line), (ran, name) in places.items() if not ran]
     if silent:
         print(f"\n{len(silent)} copy, comparison or record functions never ran:")
         for line in sorted(silent):

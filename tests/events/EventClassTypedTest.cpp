@@ -199,10 +199,12 @@ TEST(EventClassTypedTest, BaseContainersAndAttachmentsReadThroughTheirTypedOpera
     DCBase attachment;
     LCBase filter;
     MCObList list;
+    MCEventList events;
     MCDataArray data;
     EXPECT_TRUE(roundTrip(&attachment, static_cast<DCBase *>(nullptr)));
     EXPECT_TRUE(roundTrip(&filter, static_cast<LCBase *>(nullptr)));
     EXPECT_TRUE(roundTrip(&list, static_cast<MCObList *>(nullptr)));
+    EXPECT_TRUE(roundTrip(&events, static_cast<MCEventList *>(nullptr)));
     EXPECT_TRUE(roundTrip(&data, static_cast<MCDataArray *>(nullptr)));
 
     const Bytes filterBytes = Store([&](CArchive &ar) { ar.WriteObject(&filter); });
