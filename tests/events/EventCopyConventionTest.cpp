@@ -114,6 +114,22 @@ TEST(EventCopyConventionTest, EveryClassCopiesNoParentChildFlagCountHitOrAttachm
         EXPECT_TRUE(Links(dst) == before);
         EXPECT_EQ(src->GetParents()->GetCount(), 1) << "the source keeps its links";
 
+        // Nothing, or an object of no class of the destination's, copies nothing.
+        const WORD word = dst->GetVoiceTrack() ? dst->GetVoiceTrack()->GetValue() : 0;
+        EXPECT_EQ(dst->Copy(nullptr), dst);
+        DCBase attachment;
+        EXPECT_EQ(dst->Copy(&attachment), dst);
+        ECBase *other = MakeOfClass(row.id == EVENT_ID_NOTE ? "ECRest" : "ECNote");
+        other->Ref();
+        other->SetVoiceTrack(3, 9);
+        EXPECT_EQ(dst->Copy(other), dst);
+        EXPECT_TRUE(Links(dst) == before);
+        if (!other->IsKindOf(dst->GetRuntimeClass()) && dst->GetVoiceTrack())
+        {
+            EXPECT_EQ(dst->GetVoiceTrack()->GetValue(), word) << "copied from another class";
+        }
+        other->Unref(1);
+
         parent->RemoveChildren(1);
         parent->Unref(1);
         Release(dst);
