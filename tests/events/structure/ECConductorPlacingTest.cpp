@@ -141,3 +141,41 @@ TEST_F(ConductorPlacing, TheEnvelopeShortcutsFollowAddingAndRemoving)
     stranger->Unref(1);
 }
 } // namespace
+
+namespace
+{
+TEST_F(ConductorPlacing, TrackNumbersOfTheWrongKindAreAbsent)
+{
+    ECConductor &c = *m_conductor;
+    CountedStaff *staff = AddStaff();
+    CountedWaveTrack *wave = AddWave();
+    EXPECT_EQ(c.GetTrackNumber(ECConductor::TrackStaff, staff), 1);
+    EXPECT_EQ(c.GetTrackNumber(ECConductor::TrackStaff, wave), -1);
+    EXPECT_EQ(c.GetTrackNumber(ECConductor::TrackWave, staff), -1);
+    EXPECT_EQ(c.GetTrackNumber(ECConductor::TrackWave, wave), 1);
+    EXPECT_EQ(c.GetTrackNumber(ECConductor::TrackChordStaff, staff), ECConductor::kChordStaffTrack);
+    EXPECT_EQ(c.GetTrack(ECConductor::TrackWave, 2, 0), nullptr);
+    EXPECT_EQ(c.GetTrack(ECConductor::TrackStaff, 2, 0), nullptr);
+}
+
+TEST_F(ConductorPlacing, AConductorWithoutStructureAnswersEmpty)
+{
+    auto *loose = new ECConductor;
+    loose->Ref();
+    MCTime t(1.0f), start, end;
+    EXPECT_EQ(loose->GetMaxMeasureNumber(), 0);
+    EXPECT_TRUE(loose->GetMaxMeasureEndTime() == MCTime::TimeZero());
+    EXPECT_EQ(loose->GetTempoAtTime(t), nullptr);
+    EXPECT_EQ(loose->GetTempoBeforeTime(t), nullptr);
+    EXPECT_EQ(loose->GetMeterAtTime(t), nullptr);
+    EXPECT_EQ(loose->GetMeterBeforeTime(t), nullptr);
+    EXPECT_EQ(loose->GetDocMeter(), nullptr);
+    EXPECT_EQ(loose->GetMeterByPickupRole(1), nullptr);
+    loose->GetMeterScope(nullptr, start, end);
+    EXPECT_TRUE(start == MCTime::TimeNull());
+    EXPECT_TRUE(end == MCTime::TimeNull());
+    EXPECT_EQ(loose->GetTrackNumber(ECConductor::TrackStaff, nullptr), -1);
+    EXPECT_EQ(loose->GetPerformance(), nullptr);
+    loose->Unref(1);
+}
+} // namespace
