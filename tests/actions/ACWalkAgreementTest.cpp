@@ -103,6 +103,87 @@ void CheckAgreement(unsigned seed, int size, bool extraParents)
     }
 }
 
+// A small score with a shared note, written out by hand, so that both walks
+// are held to orders worked out on paper and not only to each other:
+//
+//   staff
+//   +- measure:  n1 (+- dot), rest, n2
+//   +- slur:     n1, n2          (clipped by default)
+//   +- tempo env: tempo          (bypassed by default)
+struct HandTree
+{
+    TestTree tree{new TestTimed(EVENT_ID_STAFF)};
+    ECBase *staff = tree.Root();
+    ECBase *measure = tree.Timed(staff, EVENT_ID_MEASURE);
+    ECBase *n1 = tree.Timed(measure, EVENT_ID_NOTE);
+    ECBase *dot = tree.Timed(n1, EVENT_ID_DOT);
+    ECBase *rest = tree.Timed(measure, EVENT_ID_REST);
+    ECBase *n2 = tree.Timed(measure, EVENT_ID_NOTE);
+    ECBase *slur = tree.Timed(staff, EVENT_ID_SLUR);
+    ECBase *env = tree.Timed(staff, EVENT_ID_TEMPO_ENV);
+    ECBase *tempo = tree.Timed(env, EVENT_ID_TEMPO);
+    HandTree()
+    {
+        slur->AddChild(n1, 0);
+        slur->AddChild(n2, 0);
+    }
+};
+
+TEST(ACWalkAgreementTest, BothWalksVisitAHandWrittenTreeInTheOrderWorkedOutOnPaper)
+{
+    HandTree t;
+    using V = std::vector<ECBase *>;
+
+    // The base walk meets each event once; the action meets the shared notes
+    // again under the slur, since it does not clip here.
+    V walked;
+    MCEventWalk::CollectAll(t.staff, walked);
+    EXPECT_EQ(walked, (V{t.staff, t.measure, t.n1, t.dot, t.rest, t.n2, t.slur, t.tempo}));
+    EXPECT_EQ(CollectByAction(t.staff, false), (V{t.staff, t.measure, t.n1, t.dot, t.rest, t.n2, t.slur, t.n1,
+                                                   t.dot, t.n2, t.tempo}));
+
+    // With the default lists the slur is met but not entered, and the
+    // envelope is looked through.
+    ACFindEvents defaults;
+    defaults.Apply(t.staff);
+    EXPECT_EQ(ListOf(defaults.GetEvents()), (V{t.staff, t.measure, t.n1, t.dot, t.rest, t.n2, t.slur, t.tempo}));
+
+    // Upward from the dot: the note, then its first parent's line before the
+    // slur.
+    ACFindEvents up;
+    up.SetReverse(1);
+    up.ClipNone();
+    up.Apply(t.dot);
+    EXPECT_EQ(ListOf(up.GetEvents()), (V{t.dot, t.n1, t.measure, t.staff, t.slur, t.staff}));
+
+    const struct
+    {
+        ECBase *start;
+        int id, depth;
+        bool upward;
+        ECBase *expected;
+    } finds[] = {
+        {t.staff, EVENT_ID_NOTE, -1, false, t.n1},
+        {t.staff, EVENT_ID_DOT, 1, false, nullptr},
+        {t.staff, EVENT_ID_DOT, 3, false, t.dot},
+        {t.staff, EVENT_ID_TEMPO, 1, false, nullptr}, // no bypass list: the envelope is a level
+        {t.staff, EVENT_ID_TEMPO, 2, false, t.tempo},
+        {t.slur, EVENT_ID_NOTE, -1, false, nullptr}, // met, not entered
+        {t.slur, EVENT_ID_SLUR, 0, false, t.slur},
+        {t.dot, EVENT_ID_STAFF, -1, true, t.staff},
+        {t.dot, EVENT_ID_SLUR, 1, true, nullptr},
+        {t.dot, EVENT_ID_SLUR, 2, true, t.slur},
+        {t.n2, EVENT_ID_MEASURE, 0, true, nullptr},
+        {t.n2, EVENT_ID_SLUR, 1, true, t.slur},
+    };
+    for (const auto &f : finds)
+    {
+        SCOPED_TRACE(::testing::Message() << "id " << f.id << " depth " << f.depth << (f.upward ? " up" : " down"));
+        EXPECT_EQ(MCEventWalk::FindFirst(f.start, f.id, f.depth, f.upward), f.expected);
+        EXPECT_EQ(FindFirstByAction(f.start, f.id, f.depth, f.upward), f.expected);
+    }
+}
+
 TEST(ACWalkAgreementTest, ActionsAndTheBaseWalkAgreeOnRandomTreesAndGraphsWithSharedChildren)
 {
     for (unsigned seed = 1; seed <= 40; ++seed)

@@ -157,30 +157,75 @@ TEST(MCPitchUtilsQuality, OffsetTablesPerfectStepsAndAccidentals)
         EXPECT_EQ(ExposedPitchUtils::QualityToAccidental(quality), quality < 0 ? 0 : accidental[quality]) << quality;
 }
 
+// The semitones to add to the note a natural step reaches (found) to get the
+// wanted interval, written out by hand from what musicians count: a major
+// third wanted where a minor third was found is one semitone up, and the same
+// wanted downward is one semitone down.
 TEST(MCPitchUtilsQuality, QualityDifferenceCountsSemitonesBetweenQualitiesOfOneSize)
 {
-    // Against a perfect or major interval found in either direction, the
-    // difference is the wanted quality's offset, negated when descending.
-    for (const QualityRow &row : kQualities)
+    const int U = 0, SECOND = 1, THIRD = 2, FOURTH = 3, FIFTH = 4, SIXTH = 5, OCTAVE = 7, NINTH = 8;
+    struct Case
     {
-        for (int size : {0, 3, 4, 7, 1, 2, 5, 6, 9})
-        {
-            const int offset = QualityOffset(row.quality, size);
-            const int plain = IsPerfectKind(size) ? P : M;
-            SCOPED_TRACE("quality " + std::to_string(row.quality) + " size " + std::to_string(size));
-            for (bool foundDown : {false, true})
-            {
-                EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(row.quality, size, false), Interval(plain, size, foundDown)),
-                          offset);
-                EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(row.quality, size, true), Interval(plain, size, foundDown)),
-                          -offset);
-            }
-        }
+        int wanted, size;
+        bool wantedDown;
+        int found;
+        bool foundDown;
+        int semitones;
+    };
+    const Case cases[] = {
+        // Perfect kind, against a perfect interval found upward.
+        {P, FIFTH, false, P, false, 0},
+        {A, FIFTH, false, P, false, 1},
+        {d, FIFTH, false, P, false, -1},
+        {AA, FOURTH, false, P, false, 2},
+        {dd, FOURTH, false, P, false, -2},
+        {AAA, U, false, P, false, 3},
+        {ddd, OCTAVE, false, P, false, -3},
+        {M, FIFTH, false, P, false, 0}, // no major fifth: taken as perfect
+        {m, FIFTH, false, P, false, 0},
+        // Major kind, against a major interval found upward.
+        {M, THIRD, false, M, false, 0},
+        {m, THIRD, false, M, false, -1},
+        {A, SECOND, false, M, false, 1},
+        {d, SIXTH, false, M, false, -2},
+        {AA, SIXTH, false, M, false, 2},
+        {dd, THIRD, false, M, false, -3},
+        {AAA, SECOND, false, M, false, 3},
+        {ddd, THIRD, false, M, false, 0}, // the major kind knows no triply diminished
+        {P, THIRD, false, M, false, 0},
+        // Other found qualities: the distance between the two.
+        {M, THIRD, false, m, false, 1},
+        {m, SIXTH, false, A, false, -2},
+        {d, FIFTH, false, A, false, -2},
+        {A, FOURTH, false, d, false, 2},
+        // Both downward: the same distance, the other way.
+        {M, THIRD, true, m, true, -1},
+        {A, FOURTH, true, P, true, -1},
+        {dd, FOURTH, true, A, true, 3},
+        // Opposite directions: the found interval counts the other way round.
+        {A, U, true, A, false, -2},
+        {d, U, false, A, true, 0},
+        {m, SECOND, false, m, true, -2},
+        {M, SECOND, true, m, false, 1},
+        // An octave is of the perfect kind, a ninth of the major kind.
+        {A, OCTAVE, false, m, false, 1},
+        {A, NINTH, false, m, false, 2},
+        // Values past the table count as plain.
+        {15, THIRD, false, 9, false, 0},
+        {A, THIRD, false, 12, false, 1},
+    };
+    for (const Case &c : cases)
+    {
+        SCOPED_TRACE("wanted " + std::to_string(c.wanted) + " size " + std::to_string(c.size) +
+                     (c.wantedDown ? " down" : " up") + ", found " + std::to_string(c.found) +
+                     (c.foundDown ? " down" : " up"));
+        EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(c.wanted, c.size, c.wantedDown),
+                                                  Interval(c.found, c.size, c.foundDown)),
+                  c.semitones);
     }
-    EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(M, 2, false), Interval(m, 2, false)), 1);
-    EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(A, 0, true), Interval(A, 0, false)), -2);
-    // Quality values past the table count as plain and read nothing beyond it.
-    EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(15, 2, false), Interval(9, 2, false)), 0);
+    // The kind is taken from the wanted size alone.
+    EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(A, OCTAVE, false), Interval(m, NINTH, false)), 1);
+    EXPECT_EQ(MCPitchUtils::QualityDifference(Interval(A, NINTH, false), Interval(m, OCTAVE, false)), 2);
 }
 
 TEST(MCPitchUtilsInterval, EveryPairOfSpellingsHasItsQualityAndDirection)

@@ -379,3 +379,54 @@ TEST(CArraySerialize, ArraysOfPointersOrUnknownRecordsRefuseToStore)
     strings.RemoveAll();
     EXPECT_EQ(StoreArray(strings), (Bytes{0x00, 0x00})); // nothing to lose when empty
 }
+
+namespace
+{
+// Stores `array` as an object and reads it back through its class's typed
+// stream operator, which must take its own class and refuse another.
+template <class ARRAY, class OTHER>
+void ExpectTypedRoundTrip(ARRAY &array)
+{
+    using namespace archive_bytes;
+    const Bytes bytes = Store([&](CArchive &ar) { ar << &array; });
+    // Load frees what it made when it returns: look inside.
+    Load(bytes, [&](CArchive &ar) {
+        ARRAY *loaded = nullptr;
+        ar >> loaded;
+        ASSERT_NE(loaded, nullptr);
+        ASSERT_EQ(loaded->GetSize(), array.GetSize());
+        for (INT_PTR i = 0; i < array.GetSize(); ++i)
+            EXPECT_TRUE(loaded->GetAt(i) == array.GetAt(i)) << i;
+    });
+    EXPECT_EQ(CauseOf([&] {
+                  Load(bytes, [](CArchive &ar) {
+                      OTHER *other = nullptr;
+                      ar >> other;
+                  });
+              }),
+              CArchiveException::badClass);
+}
+} // namespace
+
+TEST(CArraySerialize, EachConcreteArrayReadsThroughItsTypedOperator)
+{
+    CByteArray bytes;
+    bytes.Add(0xAB);
+    CWordArray words;
+    words.Add(0xBEEF);
+    CDWordArray dwords;
+    dwords.Add(0xDEADBEEF);
+    CUIntArray uints;
+    uints.Add(7);
+    uints.Add(8);
+    CStringArray strings;
+    strings.Add(CString(L"Fl\u00F6te"));
+    CObArray objects;
+    objects.Add(nullptr);
+    ExpectTypedRoundTrip<CByteArray, CWordArray>(bytes);
+    ExpectTypedRoundTrip<CWordArray, CDWordArray>(words);
+    ExpectTypedRoundTrip<CDWordArray, CUIntArray>(dwords);
+    ExpectTypedRoundTrip<CUIntArray, CStringArray>(uints);
+    ExpectTypedRoundTrip<CStringArray, CObArray>(strings);
+    ExpectTypedRoundTrip<CObArray, CByteArray>(objects);
+}

@@ -29,20 +29,6 @@ protected:
 IMPLEMENT_SERIAL(TestInvalid, ECWithTime, VERSIONABLE_SCHEMA | 2)
 int TestInvalid::s_alive = 0;
 
-class DCArchived : public DCBase
-{
-    DECLARE_SERIAL(DCArchived)
-
-public:
-    void SetValues(int a, int b)
-    {
-        m_value = a;
-        m_value2 = b;
-    }
-    int Value() const { return m_value.GetValue(); }
-    int Value2() const { return m_value2.GetValue(); }
-};
-IMPLEMENT_SERIAL(DCArchived, DCBase, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
@@ -242,6 +228,44 @@ TEST_F(ECBaseArchiveTest, InvalidEventVanishesFromItsParentAndDies)
     EXPECT_EQ(TestInvalid::s_alive, invalidBefore) << "the rejected event must die";
     ASSERT_EQ(loaded->GetChildren()->GetCount(), 1);
     EXPECT_TRUE(*loaded->GetChildren()->GetHead()->GetTime() == MCTime(1.0f));
+    TearDownTree(loaded);
+    loaded->Unref(1);
+}
+
+// The rejected event is stored once and then referred to from two more
+// parents. The load drops it at its first reading; the later references must
+// read as nothing, not as the freed event.
+TEST_F(ECBaseArchiveTest, InvalidEventReferredToAgainLaterReadsAsNothing)
+{
+    const int invalidBefore = TestInvalid::s_alive;
+    TestNode *root = TestNode::Make(0);
+    root->Ref();
+    auto *bad = static_cast<ECBase *>(RUNTIME_CLASS(TestInvalid)->CreateObject());
+    for (int i = 0; i < 3; ++i)
+    {
+        TestNode *parent = TestNode::Make(static_cast<float>(i));
+        root->AddChild(parent, 1);
+        parent->AddChild(bad, 1);
+        parent->AddChild(TestLeaf::Make(10.0f + i), 1);
+    }
+    Bytes bytes = Store([&](CArchive &ar) { ar << root; });
+    TearDownTree(root);
+    root->Unref(1);
+    ASSERT_EQ(TestInvalid::s_alive, invalidBefore);
+
+    TestNode *loaded = LoadObject<TestNode>(bytes);
+    ASSERT_NE(loaded, nullptr);
+    loaded->Ref();
+    EXPECT_EQ(TestInvalid::s_alive, invalidBefore);
+    ASSERT_EQ(loaded->GetChildren()->GetCount(), 3);
+    int i = 0;
+    for (POSITION pos = loaded->GetChildren()->GetHeadPosition(); pos; ++i)
+    {
+        ECBase *parent = loaded->GetChildren()->GetNext(pos);
+        SCOPED_TRACE(i);
+        ASSERT_EQ(parent->GetChildren()->GetCount(), 1);
+        EXPECT_TRUE(*parent->GetChildren()->GetHead()->GetTime() == MCTime(10.0f + i));
+    }
     TearDownTree(loaded);
     loaded->Unref(1);
 }

@@ -2,6 +2,7 @@
 // how many of them are alive, so a test can tell exactly when one dies.
 #pragma once
 
+#include <scoremodel/events/base/DCBase.h>
 #include <scoremodel/events/base/ECWithTime.h>
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
@@ -79,6 +80,21 @@ protected:
 
 private:
     int m_id = EVENT_ID_WITH_TIME;
+};
+
+// An attachment whose two values a test can set and read.
+class DCArchived : public DCBase
+{
+    DECLARE_SERIAL(DCArchived)
+
+public:
+    void SetValues(int a, int b)
+    {
+        m_value = a;
+        m_value2 = b;
+    }
+    int Value() const { return m_value.GetValue(); }
+    int Value2() const { return m_value2.GetValue(); }
 };
 
 // The elements of a list, head first.
