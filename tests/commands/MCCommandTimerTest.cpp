@@ -105,3 +105,67 @@ TEST_F(TimerBatching, SynchronousApplyFromAnotherThreadRunsOnTheDocumentThread)
     EXPECT_EQ(cmd->GetThread(), GetCurrentThreadId());
     EXPECT_EQ(ChildCount(), 2);
 }
+
+// A notification bracket around posted commands announces them once, in one
+// record, whether the bracket closes before the timer's batch runs or after.
+TEST_F(TimerBatching, NotifyBracketAnnouncesTheTimersBatchOnce)
+{
+    for (bool closeFirst : {true, false})
+    {
+        SCOPED_TRACE(closeFirst ? "closed before the batch" : "closed after the batch");
+        m_states.clear();
+        std::vector<int> batches;
+        m_doc->RemoveCommandHandlers();
+        m_doc->AddCommandHandler(&CountBatch, &batches);
+        m_doc->SetCommandRate(20);
+        MCCommandMgr::BeginNotify(m_doc);
+        TestCommand *a = Make("a", -1, 0);
+        TestCommand *b = Make("b", -1, 0);
+        a->Apply(m_doc);
+        b->Apply(m_doc);
+        if (closeFirst)
+            MCCommandMgr::EndNotify(m_doc);
+        EXPECT_EQ(Mgr().GetNotifyPending(), 2);
+        MCMessageLoop::ProcessPending();
+        ASSERT_EQ(Mgr().GetTimer()->GetQueuedCount(), 2);
+        while (batches.empty())
+            MCMessageLoop::RunFor(5);
+        EXPECT_EQ(batches, std::vector<int>{2});
+        if (!closeFirst)
+        {
+            EXPECT_TRUE(m_states.empty()) << "announced inside the open bracket";
+            MCCommandMgr::EndNotify(m_doc);
+        }
+        ASSERT_EQ(Codes(), std::vector<unsigned>{SCCommand::CodeFinished});
+        EXPECT_EQ(m_states[0].commands, (std::vector<CCBase *>{a, b}));
+        EXPECT_EQ(Mgr().GetNotifyPending(), 0);
+        EXPECT_EQ(Mgr().GetNotifyMode(), 0);
+        EXPECT_EQ(Mgr().GetNotifyState(), nullptr);
+        EXPECT_EQ(m_doc->GetUndoCount(), 0) << "a notification bracket files no undo step";
+        m_doc->Unref(0); // two Apply calls, one batch
+    }
+}
+
+// A posted list goes to the timer's queue as a posted command does, and
+// joins the same batch.
+TEST_F(TimerBatching, PostedListWaitsInTheTimerWithThePostedCommands)
+{
+    std::vector<int> batches;
+    m_doc->AddCommandHandler(&CountBatch, &batches);
+    m_doc->SetCommandRate(20);
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    list.AddTail(Make("a", -1, 0));
+    list.AddTail(Make("b"));
+    EXPECT_EQ(list.Apply(m_doc), 1);
+    MCMessageLoop::ProcessPending();
+    EXPECT_TRUE(m_log.empty()) << "the list ran without waiting for the timer";
+    EXPECT_EQ(Mgr().GetTimer()->GetQueuedCount(), 2);
+    Make("c", -1, 0)->Apply(m_doc);
+    MCMessageLoop::ProcessPending();
+    EXPECT_EQ(Mgr().GetTimer()->GetQueuedCount(), 3);
+    while (batches.empty())
+        MCMessageLoop::RunFor(5);
+    EXPECT_EQ(batches, std::vector<int>{3});
+    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Pb", "Pc", "Ra", "Rb", "Rc", "Fa", "Fb", "Fc"}));
+    m_doc->Unref(0); // two Apply calls, one batch
+}
