@@ -106,8 +106,10 @@ TEST_F(TimerBatching, SynchronousApplyFromAnotherThreadRunsOnTheDocumentThread)
     EXPECT_EQ(ChildCount(), 2);
 }
 
-// A notification bracket around posted commands announces them once, in one
-// record, whether the bracket closes before the timer's batch runs or after.
+// A notification bracket around a sent command and posted ones announces
+// them all once, in one record, whether the bracket closes before the
+// timer's batch runs or after: a bracket closed while commands wait must
+// wait for them.
 TEST_F(TimerBatching, NotifyBracketAnnouncesTheTimersBatchOnce)
 {
     for (bool closeFirst : {true, false})
@@ -119,12 +121,16 @@ TEST_F(TimerBatching, NotifyBracketAnnouncesTheTimersBatchOnce)
         m_doc->AddCommandHandler(&CountBatch, &batches);
         m_doc->SetCommandRate(20);
         MCCommandMgr::BeginNotify(m_doc);
+        TestCommand *x = Make("x");
+        x->Apply(m_doc);
+        batches.clear(); // x ran at once, in a batch of its own
         TestCommand *a = Make("a", -1, 0);
         TestCommand *b = Make("b", -1, 0);
         a->Apply(m_doc);
         b->Apply(m_doc);
         if (closeFirst)
             MCCommandMgr::EndNotify(m_doc);
+        EXPECT_TRUE(m_states.empty()) << "announced before the posted commands ran";
         EXPECT_EQ(Mgr().GetNotifyPending(), 2);
         MCMessageLoop::ProcessPending();
         ASSERT_EQ(Mgr().GetTimer()->GetQueuedCount(), 2);
@@ -137,7 +143,7 @@ TEST_F(TimerBatching, NotifyBracketAnnouncesTheTimersBatchOnce)
             MCCommandMgr::EndNotify(m_doc);
         }
         ASSERT_EQ(Codes(), std::vector<unsigned>{SCCommand::CodeFinished});
-        EXPECT_EQ(m_states[0].commands, (std::vector<CCBase *>{a, b}));
+        EXPECT_EQ(m_states[0].commands, (std::vector<CCBase *>{x, a, b}));
         EXPECT_EQ(Mgr().GetNotifyPending(), 0);
         EXPECT_EQ(Mgr().GetNotifyMode(), 0);
         EXPECT_EQ(Mgr().GetNotifyState(), nullptr);
