@@ -1,5 +1,5 @@
-// Posted commands gathered into one batch by the timer, and delivery on the
-// document thread.
+// Posted commands and lists gathered into one batch by the timer, notification
+// brackets around such batches, and delivery on the document thread.
 #include "CommandTestSupport.h"
 
 #include <scoremodel/commands/MCCommandTimer.h>
