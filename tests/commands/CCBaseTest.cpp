@@ -179,18 +179,89 @@ TEST(MCCommandListTest, GetCommandFindsByIdOrMakesOneOfTheClass)
     EXPECT_EQ(list.GetCommand(COMMAND_ID_ADD_TRACK, RUNTIME_CLASS(ECPerformance)), nullptr);
 }
 
+// Unref(0) is how a holder lets go of a command it does not own the death
+// of: the command must live on at zero, and zero stays zero.
+TEST(CCBaseRefCount, UnrefWithoutDeleteNeverDeletes)
+{
+    const int live = TestCommand::s_live;
+    auto *cmd = new TestCommand(nullptr, "x");
+    cmd->Ref();
+    cmd->Ref();
+    EXPECT_EQ(cmd->Unref(0), 1);
+    EXPECT_EQ(cmd->Unref(0), 0);
+    EXPECT_EQ(TestCommand::s_live, live + 1) << "deleted at zero without being asked";
+    EXPECT_EQ(cmd->Unref(0), 0) << "the count wrapped below zero";
+    EXPECT_EQ(TestCommand::s_live, live + 1);
+    cmd->Ref();
+    cmd->Ref();
+    EXPECT_EQ(cmd->Unref(1), 1);
+    EXPECT_EQ(TestCommand::s_live, live + 1) << "deleted while still held";
+    EXPECT_EQ(cmd->Unref(1), 0);
+    EXPECT_EQ(TestCommand::s_live, live);
+}
+
+// A list holds each command once: putting the same command back at its own
+// place keeps it alive, another command takes the place and the hold.
+TEST(MCCommandListTest, SetAtHoldsTheNewCommandBeforeItReleasesTheOld)
+{
+    const int live = TestCommand::s_live;
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    auto *a = new TestCommand(nullptr, "a");
+    auto *b = new TestCommand(nullptr, "b");
+    b->Ref(); // the caller's
+    POSITION pos = list.AddTail(a);
+    list.SetAt(pos, a);
+    EXPECT_EQ(TestCommand::s_live, live + 2) << "a command set over itself died";
+    EXPECT_EQ(a->GetRefCount(), 1);
+    EXPECT_EQ(list.GetAt(pos), a);
+
+    list.SetAt(pos, b);
+    EXPECT_EQ(TestCommand::s_live, live + 1) << "only the list held a";
+    EXPECT_EQ(b->GetRefCount(), 2);
+    list.SetAt(pos, nullptr);
+    EXPECT_EQ(b->GetRefCount(), 1);
+    list.RemoveAll();
+    EXPECT_EQ(b->Unref(1), 0);
+    EXPECT_EQ(TestCommand::s_live, live);
+}
+
 using ApplyCommands = CommandTest;
 
-TEST_F(ApplyCommands, CallersListIsLeftAsItWas)
+// One posted command anywhere in the list makes the whole list posted; the
+// caller's list is left as it was.
+TEST_F(ApplyCommands, OnePostedCommandAnywherePostsTheListAndTheCallersListIsLeftAsItWas)
 {
+    const struct
+    {
+        const char *what;
+        int aSynchronous, bSynchronous;
+    } rows[] = {
+        {"posted last", 1, 0},
+        {"posted first", 0, 1},
+        {"all posted", 0, 0},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.what);
+        m_log.clear();
+        CTypedPtrList<MCCommandList, CCBase *> list;
+        TestCommand *a = Make("a", -1, row.aSynchronous);
+        list.AddTail(a);
+        list.AddTail(Make("b", -1, row.bSynchronous));
+        EXPECT_EQ(list.Apply(m_doc), 1);
+        EXPECT_TRUE(m_log.empty()) << "sent at once";
+        EXPECT_EQ(list.GetCount(), 2);
+        MCMessageLoop::ProcessPending();
+        EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Pb", "Ra", "Rb", "Fa", "Fb"}));
+        EXPECT_EQ(list.GetTarget(), m_doc);
+        EXPECT_EQ(a->GetRefCount(), 2) << "the fixture and the caller's list";
+    }
+
+    // A list of synchronous commands only runs before Apply returns.
+    m_log.clear();
     CTypedPtrList<MCCommandList, CCBase *> list;
-    list.AddTail(Make("a"));
-    list.AddTail(Make("b", -1, 0)); // one posted command makes the whole list posted
+    list.AddTail(Make("c"));
+    list.AddTail(Make("d"));
     EXPECT_EQ(list.Apply(m_doc), 1);
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(list.GetCount(), 2);
-    MCMessageLoop::ProcessPending();
-    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Pb", "Ra", "Rb", "Fa", "Fb"}));
-    EXPECT_EQ(list.GetTarget(), m_doc);
-    EXPECT_EQ(m_held[0]->GetRefCount(), 2) << "the fixture and the caller's list";
+    EXPECT_EQ(m_log, (std::vector<std::string>{"Pc", "Pd", "Rc", "Rd", "Fc", "Fd"}));
 }

@@ -1,5 +1,5 @@
-// Posted commands gathered into one batch by the timer, and delivery on the
-// document thread.
+// Posted commands and lists gathered into one batch by the timer, notification
+// brackets around such batches, and delivery on the document thread.
 #include "CommandTestSupport.h"
 
 #include <scoremodel/commands/MCCommandTimer.h>
@@ -104,4 +104,74 @@ TEST_F(TimerBatching, SynchronousApplyFromAnotherThreadRunsOnTheDocumentThread)
     EXPECT_TRUE(ranBeforeReturn);
     EXPECT_EQ(cmd->GetThread(), GetCurrentThreadId());
     EXPECT_EQ(ChildCount(), 2);
+}
+
+// A notification bracket around a sent command and posted ones announces
+// them all once, in one record, whether the bracket closes before the
+// timer's batch runs or after: a bracket closed while commands wait must
+// wait for them.
+TEST_F(TimerBatching, NotifyBracketAnnouncesTheTimersBatchOnce)
+{
+    for (bool closeFirst : {true, false})
+    {
+        SCOPED_TRACE(closeFirst ? "closed before the batch" : "closed after the batch");
+        m_states.clear();
+        std::vector<int> batches;
+        m_doc->RemoveCommandHandlers();
+        m_doc->AddCommandHandler(&CountBatch, &batches);
+        m_doc->SetCommandRate(20);
+        MCCommandMgr::BeginNotify(m_doc);
+        TestCommand *x = Make("x");
+        x->Apply(m_doc);
+        batches.clear(); // x ran at once, in a batch of its own
+        TestCommand *a = Make("a", -1, 0);
+        TestCommand *b = Make("b", -1, 0);
+        a->Apply(m_doc);
+        b->Apply(m_doc);
+        if (closeFirst)
+            MCCommandMgr::EndNotify(m_doc);
+        EXPECT_TRUE(m_states.empty()) << "announced before the posted commands ran";
+        EXPECT_EQ(Mgr().GetNotifyPending(), 2);
+        MCMessageLoop::ProcessPending();
+        ASSERT_EQ(Mgr().GetTimer()->GetQueuedCount(), 2);
+        while (batches.empty())
+            MCMessageLoop::RunFor(5);
+        EXPECT_EQ(batches, std::vector<int>{2});
+        if (!closeFirst)
+        {
+            EXPECT_TRUE(m_states.empty()) << "announced inside the open bracket";
+            MCCommandMgr::EndNotify(m_doc);
+        }
+        ASSERT_EQ(Codes(), std::vector<unsigned>{SCCommand::CodeFinished});
+        EXPECT_EQ(m_states[0].commands, (std::vector<CCBase *>{x, a, b}));
+        EXPECT_EQ(Mgr().GetNotifyPending(), 0);
+        EXPECT_EQ(Mgr().GetNotifyMode(), 0);
+        EXPECT_EQ(Mgr().GetNotifyState(), nullptr);
+        EXPECT_EQ(m_doc->GetUndoCount(), 0) << "a notification bracket files no undo step";
+        m_doc->Unref(0); // two Apply calls, one batch
+    }
+}
+
+// A posted list goes to the timer's queue as a posted command does, and
+// joins the same batch.
+TEST_F(TimerBatching, PostedListWaitsInTheTimerWithThePostedCommands)
+{
+    std::vector<int> batches;
+    m_doc->AddCommandHandler(&CountBatch, &batches);
+    m_doc->SetCommandRate(20);
+    CTypedPtrList<MCCommandList, CCBase *> list;
+    list.AddTail(Make("a", -1, 0));
+    list.AddTail(Make("b"));
+    EXPECT_EQ(list.Apply(m_doc), 1);
+    MCMessageLoop::ProcessPending();
+    EXPECT_TRUE(m_log.empty()) << "the list ran without waiting for the timer";
+    EXPECT_EQ(Mgr().GetTimer()->GetQueuedCount(), 2);
+    Make("c", -1, 0)->Apply(m_doc);
+    MCMessageLoop::ProcessPending();
+    EXPECT_EQ(Mgr().GetTimer()->GetQueuedCount(), 3);
+    while (batches.empty())
+        MCMessageLoop::RunFor(5);
+    EXPECT_EQ(batches, std::vector<int>{3});
+    EXPECT_EQ(m_log, (std::vector<std::string>{"Pa", "Pb", "Pc", "Ra", "Rb", "Rc", "Fa", "Fb", "Fc"}));
+    m_doc->Unref(0); // two Apply calls, one batch
 }

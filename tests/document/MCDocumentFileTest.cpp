@@ -25,6 +25,7 @@
 #include <optional>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 #include <unistd.h>
@@ -78,6 +79,41 @@ public:
     }
 };
 IMPLEMENT_SERIAL(DocDiskFull, TestLeaf, VERSIONABLE_SCHEMA | 2)
+
+// A leaf whose record fails on load with the exception `s_kind` names, as a
+// plug-in's record or the allocator may.
+class DocLoadFails : public TestLeaf
+{
+    DECLARE_SERIAL(DocLoadFails)
+
+public:
+    enum Kind
+    {
+        HostError,
+        OutOfMemory,
+        FileError,
+        BadArgument,
+        NotSupported
+    };
+    static int s_kind;
+    DocLoadFails() = default;
+    void Serialize(CArchive &ar) override
+    {
+        TestLeaf::Serialize(ar);
+        if (ar.IsStoring())
+            return;
+        switch (s_kind)
+        {
+        case HostError: throw std::runtime_error("the host's own failure");
+        case OutOfMemory: throw std::bad_alloc();
+        case FileError: throw CFileException(CFileException::hardIO, 5, "test");
+        case BadArgument: throw CInvalidArgException("index 9 out of range");
+        default: throw CNotSupportedException("no such record");
+        }
+    }
+};
+IMPLEMENT_SERIAL(DocLoadFails, TestLeaf, VERSIONABLE_SCHEMA | 2)
+int DocLoadFails::s_kind = DocLoadFails::HostError;
 
 namespace
 {
@@ -558,6 +594,77 @@ TEST_F(MCDocumentFileTest, ErrorsSayWhatAndWhere)
     };
     for (const auto &c : cases)
         ExpectRejected(c.bytes, c.problem, c.offset);
+
+    // Bytes after the document, past the length its header gives or inside
+    // it but unread by the archive: counted exactly, and placed where the
+    // document ended.
+    Held doc(RandomDocument(8));
+    const Bytes saved = Save(doc.p);
+    Bytes after = saved;
+    after.insert(after.end(), {1, 2, 3});
+    ExpectRejected(after, "document: 3 bytes past the end of the document", saved.size());
+    Bytes unused = saved;
+    unused.insert(unused.end(), {0, 0, 0, 0, 0});
+    ULONGLONG length = 0;
+    for (int i = 7; i >= 0; --i)
+        length = (length << 8) | unused[12 + static_cast<size_t>(i)];
+    length += 5;
+    for (int i = 0; i < 8; ++i)
+        unused[12 + static_cast<size_t>(i)] = static_cast<BYTE>(length >> (8 * i));
+    ExpectRejected(unused, "): 5 bytes the document does not use", saved.size());
+}
+
+// A record that fails on load with something other than an archive error:
+// nothing the load made outlives it, and the host sees its own exception, or
+// a document error for a value out of range.
+TEST_F(MCDocumentFileTest, LoadThatFailsWithAnotherExceptionReleasesEverythingAndPassesItOn)
+{
+    Held doc(RandomDocument(12));
+    doc.p->AddChild(new DocLoadFails, 0);
+    doc.p->AddChild(TestLeaf::Make(2.0f), 0);
+    const Bytes bytes = Save(doc.p);
+    const int aliveBefore = TestLeaf::s_alive;
+    const struct
+    {
+        int kind;
+        const char *caught;
+    } rows[] = {
+        {DocLoadFails::HostError, "the host's own failure"},
+        {DocLoadFails::OutOfMemory, "bad_alloc"},
+        {DocLoadFails::FileError, "file error"},
+        {DocLoadFails::BadArgument, "document: corrupt document: index 9 out of range"},
+        {DocLoadFails::NotSupported, "document: corrupt document: no such record"},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.caught);
+        DocLoadFails::s_kind = row.kind;
+        std::string caught = "nothing";
+        try
+        {
+            Held loaded(Load(bytes));
+        }
+        catch (const MCDocumentException &e)
+        {
+            caught = e.what();
+        }
+        catch (const CFileException &)
+        {
+            caught = "file error";
+        }
+        catch (const std::bad_alloc &)
+        {
+            caught = "bad_alloc";
+        }
+        catch (const std::runtime_error &e)
+        {
+            caught = e.what();
+        }
+        EXPECT_NE(caught.find(row.caught), std::string::npos) << caught;
+        EXPECT_EQ(TestLeaf::s_alive, aliveBefore) << "the failed load left events behind";
+        EXPECT_EQ(ECPerformance::GetActivePerformance(), nullptr);
+    }
+    DocLoadFails::s_kind = DocLoadFails::HostError;
 }
 
 TEST_F(MCDocumentFileTest, SaveReplacesAtomicallyAndAFailedSaveLeavesTheOldFile)
@@ -620,6 +727,50 @@ TEST_F(MCDocumentFileTest, SaveNeverWritesThroughALinkPlantedAtItsTemporaryName)
     Held loaded(MCDocumentFile::Load(path.c_str()));
     std::map<ECBase *, ECBase *> pairs;
     ExpectSameTree(doc.p, loaded.p, pairs);
+    fs::remove_all(dir);
+}
+
+// A save replaces the file a path names with one of the same permissions;
+// through a symbolic link it replaces the link's target and the link stays.
+TEST_F(MCDocumentFileTest, SaveKeepsThePermissionsAndTheLinkOfWhatItReplaces)
+{
+    const fs::path dir = fs::path(SCOREMODEL_TEST_BINARY_DIR) / "document-mode-test";
+    const struct
+    {
+        const char *what;
+        bool viaLink;
+        fs::perms mode;
+    } rows[] = {
+        {"the file itself", false, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read},
+        {"a link to it", true, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.what);
+        fs::remove_all(dir);
+        fs::create_directories(dir / "real");
+        const fs::path target = dir / "real" / "song.smd";
+        const fs::path link = dir / "song.smd";
+        Held first(RandomDocument(13));
+        MCDocumentFile::Save(first.p, target.string().c_str());
+        fs::permissions(target, row.mode);
+        if (row.viaLink)
+            fs::create_symlink(fs::path("real") / "song.smd", link);
+
+        Held second(RandomDocument(14));
+        MCDocumentFile::Save(second.p, (row.viaLink ? link : target).string().c_str());
+        EXPECT_EQ(fs::status(target).permissions(), row.mode);
+        if (row.viaLink)
+        {
+            EXPECT_TRUE(fs::is_symlink(link)) << "the link was replaced by a file";
+            EXPECT_EQ(fs::read_symlink(link), fs::path("real") / "song.smd");
+        }
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir / "real"), fs::directory_iterator()), 1)
+            << "a temporary file was left";
+        Held loaded(MCDocumentFile::Load(target.string().c_str()));
+        std::map<ECBase *, ECBase *> pairs;
+        ExpectSameTree(second.p, loaded.p, pairs);
+    }
     fs::remove_all(dir);
 }
 

@@ -121,6 +121,44 @@ TEST(MCObListTest, FindAndRemovalAtEveryPlace)
     EXPECT_EQ(list.GetCount(), 0);
 }
 
+// Short lists are walked, long ones answer from their membership index: at
+// every length, a search after a position finds only what lies after it,
+// and FindIndex reaches every place from either end.
+TEST(MCObListTest, FindAfterAPositionAndFindIndexAgreeWithAWalkAtEveryLength)
+{
+    for (int length : {7, MCObList::kIndexThreshold, 2 * MCObList::kIndexThreshold + 1})
+    {
+        SCOPED_TRACE(length);
+        std::vector<Thing> things(static_cast<size_t>(length));
+        Thing once, twice, absent;
+        const int onceAt = length / 3, twiceAt[2] = {1, length - 2};
+        MCObList list;
+        std::vector<POSITION> positions;
+        for (int i = 0; i < length; ++i)
+        {
+            CObject *o = i == onceAt ? &once : i == twiceAt[0] || i == twiceAt[1] ? &twice : &things[static_cast<size_t>(i)];
+            positions.push_back(list.AddTail(o));
+        }
+        EXPECT_EQ(list.Find(&once), positions[static_cast<size_t>(onceAt)]);
+        EXPECT_EQ(list.Find(&absent), nullptr);
+        for (int after = 0; after < length; ++after)
+        {
+            const POSITION from = positions[static_cast<size_t>(after)];
+            EXPECT_EQ(list.Find(&once, from), after < onceAt ? positions[static_cast<size_t>(onceAt)] : nullptr)
+                << "after " << after;
+            const POSITION second = after < twiceAt[0]   ? positions[static_cast<size_t>(twiceAt[0])]
+                                    : after < twiceAt[1] ? positions[static_cast<size_t>(twiceAt[1])]
+                                                         : nullptr;
+            EXPECT_EQ(list.Find(&twice, from), second) << "after " << after;
+            EXPECT_EQ(list.Find(&absent, from), nullptr);
+        }
+        for (int i = 0; i < length; ++i)
+            EXPECT_EQ(list.FindIndex(i), positions[static_cast<size_t>(i)]) << "index " << i;
+        EXPECT_EQ(list.FindIndex(length), nullptr);
+        EXPECT_EQ(list.FindIndex(-1), nullptr);
+    }
+}
+
 // Searching is a read: threads that search one long list at once, with
 // nobody changing it, must all get right answers, and the membership index
 // they make on the way must be made once (a second one would be lost, which
