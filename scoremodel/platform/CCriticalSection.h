@@ -26,6 +26,8 @@ public:
         m_mutex.unlock();
         return TRUE;
     }
+    // Takes the lock only if no other thread holds it; never waits.
+    BOOL TryLock() { return m_mutex.try_lock() ? TRUE : FALSE; }
 
 private:
     std::recursive_mutex m_mutex;
