@@ -145,6 +145,7 @@ int ECEnvelope::AddChild(ECBase *child, int)
 
 int ECEnvelope::RemoveChild(ECBase *child, int deep)
 {
+    KeepAlive alive(this); // the children's parent links may hold the last references
     CSingleLock lock(&m_lock, TRUE);
     int result = ECWithTimeChild::RemoveChild(child, deep);
     UpdateChildren();
@@ -153,6 +154,7 @@ int ECEnvelope::RemoveChild(ECBase *child, int deep)
 
 int ECEnvelope::RemoveChildren(int deep)
 {
+    KeepAlive alive(this); // the children's parent links may hold the last references
     CSingleLock lock(&m_lock, TRUE);
     int result = ECWithTimeChild::RemoveChildren(deep);
     DeleteAnchorGroups();

@@ -101,6 +101,7 @@ int ECTempoEnv::AddChild(ECBase *child, int sorted)
 
 int ECTempoEnv::RemoveChild(ECBase *child, int deep)
 {
+    KeepAlive alive(this); // the children's parent links may hold the last references
     CSingleLock lock(&m_lock, TRUE);
     int result = ECEnvelope::RemoveChild(child, deep);
     if (result)
@@ -110,6 +111,7 @@ int ECTempoEnv::RemoveChild(ECBase *child, int deep)
 
 int ECTempoEnv::RemoveChildren(int deep)
 {
+    KeepAlive alive(this); // the children's parent links may hold the last references
     CSingleLock lock(&m_lock, TRUE);
     int result = ECEnvelope::RemoveChildren(deep);
     if (result)
