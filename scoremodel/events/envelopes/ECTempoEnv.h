@@ -18,7 +18,10 @@
 // its span from beats while it is applied per second; that is the map's rule
 // and both directions use it, so a conversion there and back returns the
 // start. A ramp between equal rates (a = 0) is taken as a hold here instead
-// of dividing zero by zero.
+// of dividing zero by zero. The rule has a domain: a ramp down steep enough
+// that 2 a d + r^2 falls below zero within it (possible only below 30 bpm,
+// as after a pause) has no clock time there, and the conversion gives NaN;
+// such a ramp is the editor's to refuse.
 //
 // Pauses (types 24 to 26 and 29), first pass of the recalculation: an anchor
 // head plays at the tempo before it divided by 2^(percent / 100); a pause
