@@ -180,8 +180,7 @@ ECEnvPoint *ECEnvelope::GetPointAtIndex(int index)
 
 ECEnvPoint *ECEnvelope::GetPointBefore(MCTime &time)
 {
-    if (!m_pos)
-        return nullptr;
+    // The cursor is read under the lock only: an editor may be moving it.
     CSingleLock lock(&m_lock, TRUE);
     if (!m_pos)
         return nullptr;
@@ -214,8 +213,6 @@ ECEnvPoint *ECEnvelope::GetPointBefore(MCTime &time)
 
 ECEnvPoint *ECEnvelope::GetPointBeforeEqual(MCTime &time)
 {
-    if (!m_pos)
-        return nullptr;
     CSingleLock lock(&m_lock, TRUE);
     if (!m_pos || !AsNode(m_pos)->data)
         return nullptr;
@@ -254,8 +251,7 @@ ECEnvPoint *ECEnvelope::GetPointAt(MCTime &time)
 
 ECEnvPoint *ECEnvelope::GetPointAfterEqual(MCTime &time)
 {
-    if (!m_pos)
-        return nullptr;
+    // The cursor is read under the lock only: an editor may be moving it.
     CSingleLock lock(&m_lock, TRUE);
     if (!m_pos)
         return nullptr;
@@ -288,8 +284,7 @@ ECEnvPoint *ECEnvelope::GetPointAfterEqual(MCTime &time)
 
 ECEnvPoint *ECEnvelope::GetPointAfter(MCTime &time)
 {
-    if (!m_pos)
-        return nullptr;
+    // The cursor is read under the lock only: an editor may be moving it.
     CSingleLock lock(&m_lock, TRUE);
     if (!m_pos)
         return nullptr;
