@@ -511,34 +511,36 @@ int ECEnvelope::GetIndexForPoint(ECEnvPoint *point)
     return -1;
 }
 
-int ECEnvelope::GetIndexBefore(MCTime &time)
+// The four index lookups differ only in their comparisons: `mode` says which
+// side of the target the answer lies on and whether a hit counts. Outside the
+// range the answer is known at once; inside, the nearer end is scanned from
+// (a tie goes to the head).
+int ECEnvelope::_IndexLookup(MCTime &time, int mode)
 {
     if (!m_pos)
         return -1;
     const MCTime &f = TimeOf(m_children.GetHeadPosition());
     const MCTime &l = TimeOf(m_children.GetTailPosition());
-    if (time <= f)
-        return -1;
-    if (time > l)
-        return m_children.GetCount() - 1;
+    const bool before = mode == SearchBefore || mode == SearchBeforeEqual;
+    // Modes 1 and 4 look for the first point at or past the target.
+    const int inclusive = mode == SearchBefore || mode == SearchAfterEqual;
+    if (inclusive ? time <= f : time < f)
+        return before ? -1 : 0;
+    if (inclusive ? time > l : time >= l)
+        return before ? m_children.GetCount() - 1 : -1;
     if (Seconds(time) - Seconds(f) <= Seconds(l) - Seconds(time))
-        return _IndexSearchForward(time, 1) - 1;
-    return _IndexSearchBackward(time, 0);
+        return _IndexSearchForward(time, inclusive) - (before ? 1 : 0);
+    return _IndexSearchBackward(time, !inclusive) + (before ? 0 : 1);
+}
+
+int ECEnvelope::GetIndexBefore(MCTime &time)
+{
+    return _IndexLookup(time, SearchBefore);
 }
 
 int ECEnvelope::GetIndexBeforeEqual(MCTime &time)
 {
-    if (!m_pos)
-        return -1;
-    const MCTime &f = TimeOf(m_children.GetHeadPosition());
-    const MCTime &l = TimeOf(m_children.GetTailPosition());
-    if (time < f)
-        return -1;
-    if (time >= l)
-        return m_children.GetCount() - 1;
-    if (Seconds(time) - Seconds(f) <= Seconds(l) - Seconds(time))
-        return _IndexSearchForward(time, 0) - 1;
-    return _IndexSearchBackward(time, 1);
+    return _IndexLookup(time, SearchBeforeEqual);
 }
 
 int ECEnvelope::GetIndexAt(MCTime &)
@@ -548,32 +550,12 @@ int ECEnvelope::GetIndexAt(MCTime &)
 
 int ECEnvelope::GetIndexAfterEqual(MCTime &time)
 {
-    if (!m_pos)
-        return -1;
-    const MCTime &f = TimeOf(m_children.GetHeadPosition());
-    const MCTime &l = TimeOf(m_children.GetTailPosition());
-    if (time <= f)
-        return 0;
-    if (time > l)
-        return -1;
-    if (Seconds(time) - Seconds(f) <= Seconds(l) - Seconds(time))
-        return _IndexSearchForward(time, 1);
-    return _IndexSearchBackward(time, 0) + 1;
+    return _IndexLookup(time, SearchAfterEqual);
 }
 
 int ECEnvelope::GetIndexAfter(MCTime &time)
 {
-    if (!m_pos)
-        return -1;
-    const MCTime &f = TimeOf(m_children.GetHeadPosition());
-    const MCTime &l = TimeOf(m_children.GetTailPosition());
-    if (time < f)
-        return 0;
-    if (time >= l)
-        return -1;
-    if (Seconds(time) - Seconds(f) <= Seconds(l) - Seconds(time))
-        return _IndexSearchForward(time, 0);
-    return _IndexSearchBackward(time, 1) + 1;
+    return _IndexLookup(time, SearchAfter);
 }
 
 // ---- Ranges ----

@@ -226,6 +226,7 @@ protected:
     ECEnvPoint *_ResolveSearchBackward(int mode);
     int _IndexSearchForward(MCTime &time, int inclusive);
     int _IndexSearchBackward(MCTime &time, int inclusive);
+    int _IndexLookup(MCTime &time, int mode);
     int _GetValue(MCTime &time, float &value, int clamp, int hand);
     int _GetValueEnd(ECEnvPoint *point, MCTime &time, float &value, int clamp);
     void _AddRealValue(ECEnvPoint *point, int clamp, MCTime &time, EValueList &list);
