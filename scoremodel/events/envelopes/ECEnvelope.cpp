@@ -705,7 +705,15 @@ int ECEnvelope::_GetValue(MCTime &time, float &value, int clamp, int hand)
     const MCTime &at = *point->ECWithTime::GetTime();
     if (point->GetStyle() == 1 && at != time)
     {
-        if (ECEnvPoint *next = GetPointAfter(time))
+        // The point after is the cursor's neighbour when the cursor stayed
+        // on `point` (the usual case): the same answer as GetPointAfter,
+        // without a second search.
+        ECEnvPoint *next = nullptr;
+        if (m_pos && PointOf(m_pos) == point)
+            next = Next(m_pos) ? PointOf(Next(m_pos)) : nullptr;
+        else
+            next = GetPointAfter(time);
+        if (next)
         {
             const float range = next->GetValue() - value;
             if ((!IntValued() || std::fabs(range) >= 1.0f) && range != 0.0f)
