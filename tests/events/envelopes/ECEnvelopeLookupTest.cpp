@@ -42,6 +42,7 @@ struct Envelope
     }
     ~Envelope()
     {
+        env->RemoveChildren(1); // the children hold their parent
         env->Unref(1);
     }
     Envelope(const Envelope &) = delete;

@@ -86,6 +86,7 @@ TEST(EnvelopeValues, GetValueFollowsHoldsRampsHandsAndClamps)
         EXPECT_EQ(env->GetValue(t, value, c.clamp, c.hand), 0) << c.what << ": the same value again";
         env->Reset();
         EXPECT_EQ(env->GetValue(t, value, c.clamp, c.hand), 1) << c.what << ": after Reset";
+        env->RemoveChildren(1); // the children hold their parent
         env->Unref(1);
     }
 }
@@ -112,6 +113,7 @@ TEST(EnvelopeValues, SettingsKeepTheirFloorsAndCarryTheLastValue)
     SetScaleParams(2, 2, 10, 20, scale, offset);
     EXPECT_EQ(scale, 0.0f);
     EXPECT_EQ(offset, 0.0f);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
 
@@ -134,6 +136,7 @@ TEST(EnvelopeValues, GetValuesDeliversOnlyChangesWithOneSamplePerChange)
     EXPECT_EQ(samples[100].second, 100.0f);
     EXPECT_FLOAT_EQ(samples.back().first, 3.0f);
     EXPECT_EQ(samples.back().second, 7.0f);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
 
@@ -157,6 +160,7 @@ TEST(EnvelopeValues, GetValuesLeadsInAfterAJumpAndNotAcrossTouchingRanges)
     auto third = Samples(list);
     ASSERT_EQ(third.size(), 1u);
     EXPECT_EQ(third[0].second, 5.0f);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
 
@@ -177,6 +181,7 @@ TEST(EnvelopeValues, TheStepComesFromMinimumDeltaAndDensity)
         ASSERT_GE(s.size(), 3u);
         EXPECT_NEAR(s[2].first - s[1].first, c.step, 1e-4) << "density " << c.density;
     }
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
 

@@ -114,6 +114,7 @@ TEST(TempoMap, TheEdgeCasesOfTheClock)
     env->GetClockTime(twice);
     env->GetClockTime(twice);
     EXPECT_FLOAT_EQ(twice.GetSeconds(), 2.0f) << "a clock time is left as it is";
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 
     // A ramp from 60 to 120 over 4 beats.
@@ -121,12 +122,14 @@ TEST(TempoMap, TheEdgeCasesOfTheClock)
     EXPECT_NEAR(Clock(env, 4), (std::sqrt(3.0f) - 1.0f) / 0.25f, 1e-5);
     EXPECT_NEAR(Beat(env, (std::sqrt(3.0f) - 1.0f) / 0.25f), 4.0f, 1e-5);
     EXPECT_NEAR(Beat(env, Clock(env, 2.5f)), 2.5f, 1e-5);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 
     // Before any point only the mode changes.
     env = MakeMap({});
     EXPECT_FLOAT_EQ(Clock(env, 3), 3.0f);
     EXPECT_FLOAT_EQ(Beat(env, 3), 3.0f);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
 
@@ -156,6 +159,7 @@ TEST(TempoMap, PausesHalveTheTempoBeforeThemAndTheirCloseRestoresIt)
         ECBase::EventList anchors;
         EXPECT_EQ(close->GetAnchorList(anchors), 1);
         EXPECT_EQ(anchors.GetCount(), 2);
+        env->RemoveChildren(1); // the children hold their parent
         env->Unref(1);
     }
 }
@@ -194,6 +198,7 @@ TEST(TempoMap, ConversionsThereAndBackReturnTheStartAcrossHoldsRampsAndPauses)
         // The clock never runs backwards.
         for (size_t i = 1; i < made.size(); ++i)
             EXPECT_GT(made[i]->GetClockTime().GetSeconds(), made[i - 1]->GetClockTime().GetSeconds());
+        env->RemoveChildren(1); // the children hold their parent
         env->Unref(1);
     }
 }
@@ -216,5 +221,6 @@ TEST(TempoMap, ClockTimesFollowEveryAddRemoveAndDurationChange)
     env->RemoveChild(mid, 1);
     EXPECT_FLOAT_EQ(made[1]->GetClockTime().GetSeconds(), 2.0f);
     EXPECT_EQ(env->GetIndexForPoint(made[1]), 1);
+    env->RemoveChildren(1); // the children hold their parent
     env->Unref(1);
 }
