@@ -364,6 +364,10 @@ void PlaybackWhileEditing()
             p->Unref(1);
             ++i;
             edits.fetch_add(1, std::memory_order_relaxed);
+            // An editor does other work between two edits (the command
+            // machinery, the views); without any gap its next edit would
+            // take the lock again within nanoseconds.
+            std::this_thread::yield();
         }
     });
     long reads = 0, refused = 0;
@@ -385,8 +389,8 @@ void PlaybackWhileEditing()
     }
     stop = true;
     editor.join();
-    std::printf("\nplayback while editing (0.5 s): %ld reads answered, %ld answered from the last value "
-                "(lock busy), %ld edits by the other thread\n",
+    std::printf("\nplayback while editing (0.5 s, 10,000 points): %ld reads answered fresh, %ld answered at once "
+                "from the last value (lock busy), none waited; %ld edits by the other thread\n",
                 reads, refused, edits.load());
     Release(env);
 }

@@ -125,16 +125,33 @@ int ECEnvelope::AddChild(ECBase *child, int)
         child->SetTime(const_cast<MCTime *>(&MCTime::TimeZero()));
     // Appending in time order is the common case: past the tail no point
     // can share the time, so the walk is skipped.
+    // Elsewhere the walk for a point at the same time starts from the
+    // nearer end, which finds the same point or none.
     POSITION tail = m_children.GetTailPosition();
     if (tail && !(TimeOf(tail) < *time))
     {
-        for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
+        const float head = Seconds(TimeOf(m_children.GetHeadPosition()));
+        if (Seconds(*time) - head <= Seconds(TimeOf(tail)) - Seconds(*time))
         {
-            const MCTime &at = TimeOf(pos);
-            if (at == *time)
-                return 0;
-            if (at > *time)
-                break;
+            for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
+            {
+                const MCTime &at = TimeOf(pos);
+                if (at == *time)
+                    return 0;
+                if (at > *time)
+                    break;
+            }
+        }
+        else
+        {
+            for (POSITION pos = tail; pos; pos = Prev(pos))
+            {
+                const MCTime &at = TimeOf(pos);
+                if (at == *time)
+                    return 0;
+                if (at < *time)
+                    break;
+            }
         }
     }
     if (!ECWithTimeChild::AddChild(child, 1))

@@ -220,6 +220,18 @@ TEST(EnvelopeLookups, AddRefusesATakenTimeMovesNegativeTimesToZeroAndKeepsOrder)
     EXPECT_EQ(e.env->AddChild(twin, 0), 0) << "two points at one time";
     EXPECT_EQ(e.env->GetPointCount(), 2);
     twin->Unref(1);
+    // Near the tail the search for a twin runs from the tail.
+    const std::pair<float, int> late[] = {{2.9f, 1}, {2.9f, 0}, {3.0f, 0}};
+    for (auto [at, expected] : late)
+    {
+        auto *point = static_cast<ECEnvPoint *>(RUNTIME_CLASS(ECEnvPoint)->CreateObject());
+        MCTime t(at);
+        point->SetTime(&t);
+        point->Ref();
+        EXPECT_EQ(e.env->AddChild(point, 0), expected) << at;
+        point->Unref(1);
+    }
+    EXPECT_EQ(e.env->GetPointCount(), 3) << "only the first 2.9 is new";
 
     auto *early = static_cast<ECEnvPoint *>(RUNTIME_CLASS(ECEnvPoint)->CreateObject());
     MCTime minus(-2.0f);
