@@ -3,6 +3,7 @@
 
 BUILD        ?= build
 BUILD_SAN    ?= build-sanitize
+BUILD_TSAN   ?= build-tsan
 BUILD_BENCH  ?= build-bench
 BUILD_FUZZ   ?= build-fuzz
 BUILD_COV    ?= build-coverage
@@ -10,7 +11,7 @@ FUZZ_SECONDS ?= 60
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN    := -G Ninja
 
-.PHONY: all deps build demo test bench sanitize fuzz coverage clean
+.PHONY: all deps build demo test bench sanitize tsan fuzz coverage clean
 
 all: build
 
@@ -39,6 +40,13 @@ sanitize: deps
 	@cmake --build $(BUILD_SAN) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest --test-dir $(BUILD_SAN) --output-on-failure -j $(JOBS)
+
+# The threaded tests under ThreadSanitizer (the library and those tests only).
+tsan: deps
+	@cmake -S . -B $(BUILD_TSAN) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSCOREMODEL_TSAN=ON \
+	    -DSCOREMODEL_BUILD_TOOLS=OFF >/dev/null
+	@cmake --build $(BUILD_TSAN) -j $(JOBS)
+	ctest --test-dir $(BUILD_TSAN) --output-on-failure -j $(JOBS)
 
 fuzz:
 	@scripts/install-deps.sh --fuzz
@@ -76,4 +84,4 @@ coverage:
 	@echo "HTML report: $(BUILD_COV)/coverage/index.html"
 
 clean:
-	rm -rf $(BUILD) $(BUILD_SAN) $(BUILD_BENCH) $(BUILD_FUZZ) $(BUILD_COV)
+	rm -rf $(BUILD) $(BUILD_SAN) $(BUILD_TSAN) $(BUILD_BENCH) $(BUILD_FUZZ) $(BUILD_COV)

@@ -5,15 +5,16 @@
 #
 #   scripts/install-deps.sh          # build, tests, benchmarks
 #   scripts/install-deps.sh --fuzz   # also clang and its sanitizer runtime
-#   scripts/install-deps.sh --bench  # also Boost.Serialization, the document
-#                                    # benchmark's point of comparison
+#   scripts/install-deps.sh --bench  # also Boost.Serialization and portSMF,
+#                                    # the points of comparison of the
+#                                    # document and envelope benchmarks
 #   scripts/install-deps.sh --coverage  # also gcovr, for `make coverage`
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
 case "${1:-}" in
   --fuzz) packages+=(clang libclang-rt-14-dev) ;;
-  --bench) packages+=(libboost-serialization-dev) ;;
+  --bench) packages+=(libboost-serialization-dev libportsmf-dev) ;;
   --coverage) packages+=(gcovr) ;;
 esac
 

@@ -15,6 +15,10 @@
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/events/envelopes/ECControllerEnvelopes.h>
+#include <scoremodel/events/envelopes/ECControllerPoints.h>
+#include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/envelopes/ECTempoEnv.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -85,6 +89,24 @@ std::string EventLine(ECBase *event)
         line += " time=" + TimeText(time);
     if (event->GetVoiceTrack())
         line += " voice=" + std::to_string(event->GetVoice()) + " track=" + std::to_string(event->GetTrack());
+    // A point shows its value and style; a tempo its type, tempo and place
+    // on the clock.
+    if (event->IsKindOf(RUNTIME_CLASS(ECTempo)))
+    {
+        auto *tempo = static_cast<ECTempo *>(event);
+        char text[96];
+        std::snprintf(text, sizeof text, " type=%d bpm=%g style=%d clock=", tempo->GetTempoType(),
+                      static_cast<double>(tempo->GetValue()), tempo->GetStyle());
+        line += text + TimeText(&tempo->GetClockTime());
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECEnvPoint)))
+    {
+        auto *point = static_cast<ECEnvPoint *>(event);
+        char text[64];
+        std::snprintf(text, sizeof text, " value=%g style=%d", static_cast<double>(point->GetValue()),
+                      point->GetStyle());
+        line += text;
+    }
     return line;
 }
 
@@ -231,6 +253,40 @@ int Demo(const char *path)
         std::fprintf(stderr, "scoremodel: undo and redo did not bring the staff back in its place\n");
         return 1;
     }
+
+    // A tempo map (a hold, a ramp, a pause) and a controller curve, so that
+    // the saved document carries envelopes.
+    if (ECTempoEnv *tempi = conductorStaff->GetTempoEnv())
+    {
+        const struct
+        {
+            float beat, bpm;
+            int style, type;
+        } points[] = {{0, 120, 0, 14}, {8, 90, 1, 1}, {16, 140, 0, 1}, {24, 140, 0, 25}, {25, 140, 0, 1}};
+        for (const auto &p : points)
+        {
+            auto *tempo = new ECTempo(static_cast<unsigned char>(p.type), MCTime::TimeZero());
+            MCTime at(p.beat);
+            tempo->SetTime(&at);
+            tempo->SetTempo(p.bpm, 1.0f);
+            tempo->SetStyle(p.style);
+            tempo->SetAnchorHead(p.type == 25);
+            tempi->AddChild(tempo, 1);
+        }
+    }
+    auto *volume = static_cast<ECControllerEnv *>(RUNTIME_CLASS(ECControllerEnv)->CreateObject());
+    volume->SetControllerType(7);
+    for (int i = 0; i < 3; ++i)
+    {
+        auto *change = static_cast<ECControlChange *>(RUNTIME_CLASS(ECControlChange)->CreateObject());
+        MCTime at(static_cast<float>(i * 4));
+        change->SetTime(&at);
+        change->SetControllerNum(7);
+        change->SetValue(static_cast<float>(100 - i * 20));
+        change->SetStyle(i % 2);
+        volume->AddChild(change, 1);
+    }
+    staves[0]->AddChild(volume, 1);
 
     MCDocumentFile::Save(doc.get(), file.c_str());
     struct stat st;

@@ -7,7 +7,9 @@
 
 #include <scoremodel/platform/Types.h>
 
+#include <atomic>
 #include <mutex>
+#include <thread>
 
 class CCriticalSection
 {
@@ -16,19 +18,53 @@ public:
     CCriticalSection(const CCriticalSection &) = delete;
     CCriticalSection &operator=(const CCriticalSection &) = delete;
 
+    // Re-entry by the holder costs one relaxed load and a counter, with no
+    // atomic read-modify-write: the playback engine takes an envelope's lock
+    // several times inside one value read. Only the holder can see its own
+    // id in m_owner, so the relaxed load is enough to recognise it.
     BOOL Lock()
     {
+        const std::thread::id self = std::this_thread::get_id();
+        if (m_owner.load(std::memory_order_relaxed) == self)
+        {
+            ++m_depth;
+            return TRUE;
+        }
         m_mutex.lock();
+        m_owner.store(self, std::memory_order_relaxed);
+        m_depth = 1;
         return TRUE;
     }
+    // REQUIRES: the calling thread holds the lock.
     BOOL Unlock()
     {
-        m_mutex.unlock();
+        if (--m_depth == 0)
+        {
+            m_owner.store(std::thread::id(), std::memory_order_relaxed);
+            m_mutex.unlock();
+        }
+        return TRUE;
+    }
+    // Takes the lock only if no other thread holds it; never waits.
+    BOOL TryLock()
+    {
+        const std::thread::id self = std::this_thread::get_id();
+        if (m_owner.load(std::memory_order_relaxed) == self)
+        {
+            ++m_depth;
+            return TRUE;
+        }
+        if (!m_mutex.try_lock())
+            return FALSE;
+        m_owner.store(self, std::memory_order_relaxed);
+        m_depth = 1;
         return TRUE;
     }
 
 private:
-    std::recursive_mutex m_mutex;
+    std::mutex m_mutex;
+    std::atomic<std::thread::id> m_owner{};
+    unsigned m_depth = 0;
 };
 
 class CSingleLock

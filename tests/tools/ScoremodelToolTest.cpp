@@ -73,6 +73,12 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
     EXPECT_EQ(dump.out.rfind("ECPerformance id=44", 0), 0u) << dump.out;
     EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0\n"), std::string::npos);
     EXPECT_NE(dump.out.find("\n    ECStaff id=55 time=0 voice=14 track=3\n"), std::string::npos) << dump.out;
+    // The envelopes show their points: tempi with their place on the clock.
+    EXPECT_NE(dump.out.find("ECTempo id=57 time=8 voice=14 track=0 type=1 bpm=90 style=1 clock=4s\n"),
+              std::string::npos)
+        << dump.out;
+    EXPECT_NE(dump.out.find("ECControlChange id=18 time=4 voice=15 track=2047 value=80 style=1\n"), std::string::npos)
+        << dump.out;
 
     ToolRun info = Tool("info '" + file + "'");
     ASSERT_EQ(info.code, 0) << info.err;

@@ -1,5 +1,8 @@
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 
+#include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/platform/CArchive.h>
+
 // ---- ECControlChange ----
 
 IMPLEMENT_SERIAL(ECControlChange, ECEnvPoint, VERSIONABLE_SCHEMA | 2)
@@ -263,4 +266,64 @@ int ECNRPNPoint::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_NRPN_ENV);
     return 1;
+}
+
+// ---- Records ----
+
+void ECControlChange::Serialize(CArchive &ar)
+{
+    ECEnvPoint::Serialize(ar);
+    if (ar.IsStoring())
+        ar << m_controllerNum;
+    else if (ActiveArchiveVersion() >= 3)
+        ar >> m_controllerNum;
+}
+
+void ECChannelMode::Serialize(CArchive &ar)
+{
+    if (ar.IsStoring())
+    {
+        ECControlChange::Serialize(ar);
+        ar << m_channelModeType;
+        return;
+    }
+    if (ActiveArchiveVersion() > 3)
+    {
+        ECControlChange::Serialize(ar);
+        ar >> m_channelModeType;
+        return;
+    }
+    // Old documents held only the timed part of a channel mode.
+    ECWithTime::Serialize(ar);
+}
+
+void ECPolyPressure::Serialize(CArchive &ar)
+{
+    ECEnvPoint::Serialize(ar);
+    if (ar.IsStoring())
+        ar << GetSpareByte();
+    else
+    {
+        BYTE key = 0;
+        ar >> key;
+        SetSpareByte(key);
+    }
+}
+
+void ECRPNPoint::Serialize(CArchive &ar)
+{
+    ECEnvPoint::Serialize(ar);
+    if (ar.IsStoring())
+        ar << m_value1 << m_value2;
+    else
+        ar >> m_value1 >> m_value2;
+}
+
+void ECNRPNPoint::Serialize(CArchive &ar)
+{
+    ECEnvPoint::Serialize(ar);
+    if (ar.IsStoring())
+        ar << m_value1 << m_value2;
+    else
+        ar >> m_value1 >> m_value2;
 }

@@ -1,18 +1,31 @@
 // @FAMILYDOC@
 //
-//   ECControlChange    a controller value.
+//   ECControlChange    a controller value; its controller number byte.
 //   ECBankLSB          a bank select, low byte.
 //   ECBankMSB          a bank select, high byte.
-//   ECChannelMode      a channel mode message.
+//   ECChannelMode      a channel mode message; its type 0 to 8 (initial 5).
 //   ECPan              a pan position.
-//   ECProgramChange    a program (patch) change.
+//   ECProgramChange    a program (patch) change; two bank bytes.
 //   ECPitchBend        a pitch bend value.
 //   ECChannelPressure  a channel pressure value.
-//   ECPolyPressure     a key pressure value.
-//   ECRPNPoint         a registered parameter value.
-//   ECNRPNPoint        a non-registered parameter value.
+//   ECPolyPressure     a key pressure value; its key byte.
+//   ECRPNPoint         a registered parameter value; two value bytes.
+//   ECNRPNPoint        a non-registered parameter value; two value bytes.
 //
-// Each record is that of its base.
+// The bank and channel mode points have a staff as their parent though they
+// derive from a controller point, and ECPan, ECBankLSB and ECBankMSB leave
+// the controller number at 0 for their creator to set: both wanted.
+//
+// operator== of a class that adds data compares only what it adds (not the
+// base's flags and value); the others compare as their base.
+//
+// Records behind ECEnvPoint's: the controller points a BYTE number, not read
+// from documents older than version 3; ECChannelMode the controller record
+// then a BYTE type, but a document of version 3 or older holds only the
+// ECWithTime record for it; ECPolyPressure a BYTE key; the RPN and NRPN
+// points two BYTE values; ECProgramChange nothing, so its bank bytes are not
+// archived (the bank lives in the packed value of its envelope); the pitch
+// bend and pressure points nothing.
 #pragma once
 
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
@@ -22,6 +35,9 @@ class ECControlChange : public ECEnvPoint
     DECLARE_SERIAL(ECControlChange)
 
 public:
+    void Serialize(CArchive &ar) override;
+    int GetControllerNum() const { return m_controllerNum; }
+    void SetControllerNum(unsigned char number) { m_controllerNum = number; }
     CObject *Copy(CObject *src) override;
     // 18.
     int GetEventId() const override;
@@ -30,14 +46,19 @@ public:
 
     ECControlChange &operator=(const ECControlChange &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+            m_controllerNum = other.m_controllerNum;
+        }
         return *this;
     }
-    int operator==(const ECControlChange &other) const { return ECEnvPoint::operator==(other); }
+    int operator==(const ECControlChange &other) const { return m_controllerNum == other.m_controllerNum; }
     int operator!=(const ECControlChange &other) const { return !(*this == other); }
 
 protected:
     ~ECControlChange() override;
+    BYTE m_controllerNum = 0;
 };
 
 class ECBankLSB : public ECControlChange
@@ -53,7 +74,10 @@ public:
 
     ECBankLSB &operator=(const ECBankLSB &other)
     {
-        ECControlChange::operator=(other);
+        if (this != &other)
+        {
+            ECControlChange::operator=(other);
+        }
         return *this;
     }
     int operator==(const ECBankLSB &other) const { return ECControlChange::operator==(other); }
@@ -76,7 +100,10 @@ public:
 
     ECBankMSB &operator=(const ECBankMSB &other)
     {
-        ECControlChange::operator=(other);
+        if (this != &other)
+        {
+            ECControlChange::operator=(other);
+        }
         return *this;
     }
     int operator==(const ECBankMSB &other) const { return ECControlChange::operator==(other); }
@@ -91,6 +118,14 @@ class ECChannelMode : public ECControlChange
     DECLARE_SERIAL(ECChannelMode)
 
 public:
+    void Serialize(CArchive &ar) override;
+    int GetChannelModeType() const { return m_channelModeType; }
+    // Ignores 9 and above.
+    void SetChannelModeType(unsigned char type)
+    {
+        if (type < 9)
+            m_channelModeType = type;
+    }
     CObject *Copy(CObject *src) override;
     // 9.
     int GetEventId() const override;
@@ -99,14 +134,19 @@ public:
 
     ECChannelMode &operator=(const ECChannelMode &other)
     {
-        ECControlChange::operator=(other);
+        if (this != &other)
+        {
+            ECControlChange::operator=(other);
+            m_channelModeType = other.m_channelModeType;
+        }
         return *this;
     }
-    int operator==(const ECChannelMode &other) const { return ECControlChange::operator==(other); }
+    int operator==(const ECChannelMode &other) const { return m_controllerNum == other.m_controllerNum && m_channelModeType == other.m_channelModeType; }
     int operator!=(const ECChannelMode &other) const { return !(*this == other); }
 
 protected:
     ~ECChannelMode() override;
+    BYTE m_channelModeType = 5;
 };
 
 class ECPan : public ECControlChange
@@ -122,7 +162,10 @@ public:
 
     ECPan &operator=(const ECPan &other)
     {
-        ECControlChange::operator=(other);
+        if (this != &other)
+        {
+            ECControlChange::operator=(other);
+        }
         return *this;
     }
     int operator==(const ECPan &other) const { return ECControlChange::operator==(other); }
@@ -137,6 +180,10 @@ class ECProgramChange : public ECEnvPoint
     DECLARE_SERIAL(ECProgramChange)
 
 public:
+    int GetBankMSB() const { return m_bankMSB; }
+    void SetBankMSB(unsigned char value) { m_bankMSB = value; }
+    int GetBankLSB() const { return m_bankLSB; }
+    void SetBankLSB(unsigned char value) { m_bankLSB = value; }
     CObject *Copy(CObject *src) override;
     // 49.
     int GetEventId() const override;
@@ -145,14 +192,21 @@ public:
 
     ECProgramChange &operator=(const ECProgramChange &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+            m_bankMSB = other.m_bankMSB;
+            m_bankLSB = other.m_bankLSB;
+        }
         return *this;
     }
-    int operator==(const ECProgramChange &other) const { return ECEnvPoint::operator==(other); }
+    int operator==(const ECProgramChange &other) const { return m_bankMSB == other.m_bankMSB && m_bankLSB == other.m_bankLSB; }
     int operator!=(const ECProgramChange &other) const { return !(*this == other); }
 
 protected:
     ~ECProgramChange() override;
+    BYTE m_bankMSB = 0;
+    BYTE m_bankLSB = 0;
 };
 
 class ECPitchBend : public ECEnvPoint
@@ -168,7 +222,10 @@ public:
 
     ECPitchBend &operator=(const ECPitchBend &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+        }
         return *this;
     }
     int operator==(const ECPitchBend &other) const { return ECEnvPoint::operator==(other); }
@@ -191,7 +248,10 @@ public:
 
     ECChannelPressure &operator=(const ECChannelPressure &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+        }
         return *this;
     }
     int operator==(const ECChannelPressure &other) const { return ECEnvPoint::operator==(other); }
@@ -206,6 +266,10 @@ class ECPolyPressure : public ECEnvPoint
     DECLARE_SERIAL(ECPolyPressure)
 
 public:
+    void Serialize(CArchive &ar) override;
+    int GetKey() const { return GetSpareByte(); }
+    // Stores anything.
+    void SetKey(unsigned char key) { SetSpareByte(key); }
     CObject *Copy(CObject *src) override;
     // 47.
     int GetEventId() const override;
@@ -214,10 +278,14 @@ public:
 
     ECPolyPressure &operator=(const ECPolyPressure &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+            SetSpareByte(other.GetSpareByte());
+        }
         return *this;
     }
-    int operator==(const ECPolyPressure &other) const { return ECEnvPoint::operator==(other); }
+    int operator==(const ECPolyPressure &other) const { return GetSpareByte() == other.GetSpareByte(); }
     int operator!=(const ECPolyPressure &other) const { return !(*this == other); }
 
 protected:
@@ -229,6 +297,17 @@ class ECRPNPoint : public ECEnvPoint
     DECLARE_SERIAL(ECRPNPoint)
 
 public:
+    void Serialize(CArchive &ar) override;
+    void GetRPNValue(int &first, int &second) const
+    {
+        first = m_value1;
+        second = m_value2;
+    }
+    void SetRPNValue(unsigned char first, unsigned char second)
+    {
+        m_value1 = first;
+        m_value2 = second;
+    }
     CObject *Copy(CObject *src) override;
     // 53.
     int GetEventId() const override;
@@ -237,14 +316,21 @@ public:
 
     ECRPNPoint &operator=(const ECRPNPoint &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+            m_value1 = other.m_value1;
+            m_value2 = other.m_value2;
+        }
         return *this;
     }
-    int operator==(const ECRPNPoint &other) const { return ECEnvPoint::operator==(other); }
+    int operator==(const ECRPNPoint &other) const { return m_value1 == other.m_value1 && m_value2 == other.m_value2; }
     int operator!=(const ECRPNPoint &other) const { return !(*this == other); }
 
 protected:
     ~ECRPNPoint() override;
+    BYTE m_value1 = 0;
+    BYTE m_value2 = 0;
 };
 
 class ECNRPNPoint : public ECEnvPoint
@@ -252,6 +338,17 @@ class ECNRPNPoint : public ECEnvPoint
     DECLARE_SERIAL(ECNRPNPoint)
 
 public:
+    void Serialize(CArchive &ar) override;
+    void GetNRPNValue(int &first, int &second) const
+    {
+        first = m_value1;
+        second = m_value2;
+    }
+    void SetNRPNValue(unsigned char first, unsigned char second)
+    {
+        m_value1 = first;
+        m_value2 = second;
+    }
     CObject *Copy(CObject *src) override;
     // 39.
     int GetEventId() const override;
@@ -260,12 +357,19 @@ public:
 
     ECNRPNPoint &operator=(const ECNRPNPoint &other)
     {
-        ECEnvPoint::operator=(other);
+        if (this != &other)
+        {
+            ECEnvPoint::operator=(other);
+            m_value1 = other.m_value1;
+            m_value2 = other.m_value2;
+        }
         return *this;
     }
-    int operator==(const ECNRPNPoint &other) const { return ECEnvPoint::operator==(other); }
+    int operator==(const ECNRPNPoint &other) const { return m_value1 == other.m_value1 && m_value2 == other.m_value2; }
     int operator!=(const ECNRPNPoint &other) const { return !(*this == other); }
 
 protected:
     ~ECNRPNPoint() override;
+    BYTE m_value1 = 0;
+    BYTE m_value2 = 0;
 };

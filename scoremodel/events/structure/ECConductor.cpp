@@ -23,22 +23,10 @@ IMPLEMENT_SERIAL(ECConductor, ECWithChild, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-// The last point of `envelope` of class `pointClass` whose time is at the
-// given time (or, with `strict`, before it); null when none. Points are kept
-// in time order, so the walk goes from the tail.
-ECBase *PointBefore(ECBase *envelope, CRuntimeClass *pointClass, const MCTime &time, bool strict)
+// A meter envelope read from a file may hold other points; they are no meter.
+ECMeter *AsMeter(ECEnvPoint *point)
 {
-    if (!envelope)
-        return nullptr;
-    ECBase::EventList *points = envelope->GetChildren();
-    for (POSITION pos = points->GetTailPosition(); pos;)
-    {
-        ECBase *point = points->GetPrev(pos);
-        const MCTime *at = point->GetTime();
-        if (at && point->IsKindOf(pointClass) && (strict ? *at < time : *at <= time))
-            return point;
-    }
-    return nullptr;
+    return point && point->IsKindOf(RUNTIME_CLASS(ECMeter)) ? static_cast<ECMeter *>(point) : nullptr;
 }
 
 // The pickup role of a meter: 1 the meter that follows a pickup, 2 the
@@ -437,22 +425,26 @@ int ECConductor::GetMeasures(int, int, int, EventList &measures)
 
 ECTempo *ECConductor::GetTempoAtTime(MCTime &time)
 {
-    return static_cast<ECTempo *>(PointBefore(TempoEnv(), RUNTIME_CLASS(ECTempo), time, false));
+    ECTempoEnv *envelope = TempoEnv();
+    return envelope ? static_cast<ECTempo *>(envelope->GetPointBeforeEqual(time)) : nullptr;
 }
 
 ECTempo *ECConductor::GetTempoBeforeTime(MCTime &time)
 {
-    return static_cast<ECTempo *>(PointBefore(TempoEnv(), RUNTIME_CLASS(ECTempo), time, true));
+    ECTempoEnv *envelope = TempoEnv();
+    return envelope ? static_cast<ECTempo *>(envelope->GetPointBefore(time)) : nullptr;
 }
 
 ECMeter *ECConductor::GetMeterAtTime(MCTime &time)
 {
-    return static_cast<ECMeter *>(PointBefore(MeterEnv(), RUNTIME_CLASS(ECMeter), time, false));
+    ECMeterEnv *envelope = MeterEnv();
+    return AsMeter(envelope ? envelope->GetPointBeforeEqual(time) : nullptr);
 }
 
 ECMeter *ECConductor::GetMeterBeforeTime(MCTime &time)
 {
-    return static_cast<ECMeter *>(PointBefore(MeterEnv(), RUNTIME_CLASS(ECMeter), time, true));
+    ECMeterEnv *envelope = MeterEnv();
+    return AsMeter(envelope ? envelope->GetPointBefore(time) : nullptr);
 }
 
 void ECConductor::GetMeterScope(ECMeter *meter, MCTime &start, MCTime &end)
@@ -515,7 +507,7 @@ ECMeter *ECConductor::GetDocMeter()
 
 ECTempoEnv *ECConductor::TempoEnv()
 {
-    return m_pConductorStaff ? m_pConductorStaff->GetTempoEnv() : nullptr;
+    return m_pConductorStaff ? m_pConductorStaff->GetTempoEnv() : nullptr; // made at first use
 }
 
 ECMeterEnv *ECConductor::MeterEnv()

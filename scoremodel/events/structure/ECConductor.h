@@ -198,7 +198,8 @@ private:
     // 1 when `track` is in the child list (its parent list names this
     // conductor; that list is the short one).
     int IsChild(ECBase *track);
-    // The conductor staff's envelopes, without making them; null when absent.
+    // The conductor staff's tempo map, made at first use; its meter
+    // envelope without making it. Null when absent.
     ECTempoEnv *TempoEnv();
     ECMeterEnv *MeterEnv();
 

@@ -65,6 +65,17 @@ int ECConductorStaff::AddChild(ECBase *child, int sorted)
     return added;
 }
 
+ECTempoEnv *ECConductorStaff::GetTempoEnv()
+{
+    if (m_pTempoEnv)
+        return m_pTempoEnv;
+    auto *envelope = static_cast<ECTempoEnv *>(RUNTIME_CLASS(ECTempoEnv)->CreateObject());
+    envelope->SetVoiceTrack(14, 0);
+    if (!AddChild(envelope, 1))
+        envelope->Unref(1);
+    return m_pTempoEnv;
+}
+
 int ECConductorStaff::RemoveChild(ECBase *child, int deep)
 {
     if (!ECStaff::RemoveChild(child, deep))

@@ -89,8 +89,13 @@ public:
 
     // ---- Envelopes and measures ----
 
-    // The envelopes added to this staff; null while there is none.
-    ECTempoEnv *GetTempoEnv() const { return m_pTempoEnv; }
+    // The tempo map, made at first use (voice 14, track 0) and added as a
+    // child; null only when the add is refused. The add goes straight to
+    // AddChild until the add command can run it.
+    ECTempoEnv *GetTempoEnv();
+    // The tempo map without making it; null while there is none.
+    ECTempoEnv *FindTempoEnv() const { return m_pTempoEnv; }
+    // The meter envelope added to this staff; null while there is none.
     ECMeterEnv *GetMeterEnv() const { return m_pMeterEnv; }
     // The highest measure index; -1 when there are no measures.
     int GetMaxMeasureNumber() const { return m_nMaxMeasure; }

@@ -125,10 +125,15 @@ TEST_F(ConductorTracks, TheMeterAndTempoLookupsReadTheEnvelopes)
         meter.back()->SetTime(&time);
         meters->AddChild(meter.back(), 1);
     }
+    // The first tempo of a map always stands at the start.
+    auto *first = static_cast<ECTempo *>(CreateEventW(EVENT_ID_TEMPO));
     auto *tempo = static_cast<ECTempo *>(CreateEventW(EVENT_ID_TEMPO));
-    MCTime two(2.0f);
+    MCTime two(2.0f), one(1.0f);
+    first->SetTime(&one);
+    tempos->AddChild(first, 1);
     tempo->SetTime(&two);
     tempos->AddChild(tempo, 1);
+    EXPECT_TRUE(*first->GetTime() == MCTime::TimeZero());
 
     MCTime four(4.0f), five(5.0f), minus(-1.0f);
     EXPECT_EQ(m_conductor->GetMeterAtTime(four), meter[1]);
@@ -136,7 +141,9 @@ TEST_F(ConductorTracks, TheMeterAndTempoLookupsReadTheEnvelopes)
     EXPECT_EQ(m_conductor->GetMeterAtTime(five), meter[1]);
     EXPECT_EQ(m_conductor->GetMeterAtTime(minus), nullptr);
     EXPECT_EQ(m_conductor->GetTempoAtTime(two), tempo);
-    EXPECT_EQ(m_conductor->GetTempoBeforeTime(two), nullptr);
+    EXPECT_EQ(m_conductor->GetTempoBeforeTime(two), first);
+    MCTime zero;
+    EXPECT_EQ(m_conductor->GetTempoBeforeTime(zero), nullptr);
     EXPECT_EQ(m_conductor->GetDocMeter(), meter[0]);
 
     MCTime start, end;
