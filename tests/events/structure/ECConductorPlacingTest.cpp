@@ -134,7 +134,11 @@ TEST_F(ConductorPlacing, TheEnvelopeShortcutsFollowAddingAndRemoving)
     EXPECT_EQ(cs->GetMeterEnv(), nullptr);
     EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv);
     EXPECT_TRUE(cs->RemoveChild(tempoEnv, 0));
-    EXPECT_EQ(cs->GetTempoEnv(), nullptr);
+    EXPECT_EQ(cs->FindTempoEnv(), nullptr);
+    ECTempoEnv *made = cs->GetTempoEnv();
+    ASSERT_NE(made, nullptr) << "a tempo map is made again at first use";
+    EXPECT_EQ(made->GetParents()->GetHead(), static_cast<ECBase *>(cs));
+    EXPECT_EQ(cs->FindTempoEnv(), made);
     ECBase *stranger = CreateEventW(EVENT_ID_TEXT);
     stranger->Ref();
     EXPECT_FALSE(cs->RemoveChild(stranger, 0)) << "not a child";
