@@ -14,39 +14,22 @@ namespace
 std::wstring W(const CString &s) { return std::wstring(s.GetString(), static_cast<size_t>(s.GetLength())); }
 std::string A(const CStringA &s) { return std::string(s.GetString(), static_cast<size_t>(s.GetLength())); }
 
-template <typename... Args>
-CString F(const wchar_t *fmt, const Args &...args)
+template <typename X, typename... Args>
+CStringT<X> F(const X *fmt, const Args &...args)
 {
-    CString s;
-    s.Format(fmt, args...);
-    return s;
-}
-
-template <typename... Args>
-CStringA FA(const char *fmt, const Args &...args)
-{
-    CStringA s;
+    CStringT<X> s;
     s.Format(fmt, args...);
     return s;
 }
 
 // FormatV reads its arguments blindly, so only the length modifier tells it
 // how many bytes each one takes.
-CString FV(const wchar_t *fmt, ...)
+template <typename X>
+CStringT<X> FV(const X *fmt, ...)
 {
     va_list ap;
     va_start(ap, fmt);
-    CString s;
-    s.FormatV(fmt, ap);
-    va_end(ap);
-    return s;
-}
-
-CStringA FVA(const char *fmt, ...)
-{
-    va_list ap;
-    va_start(ap, fmt);
-    CStringA s;
+    CStringT<X> s;
     s.FormatV(fmt, ap);
     va_end(ap);
     return s;
@@ -105,15 +88,15 @@ TEST(CStringFormatLength, AVaListIsReadAtTheModifiersWidth)
 TEST(CStringFormatLength, WAndHChooseTheArgumentsWidthForTextAndCharacters)
 {
     // Through a va_list the modifier is all there is to go by.
-    EXPECT_EQ("b\xc3\xa4r|\xe4\xb8\xad", A(FVA("%ws|%wS", L"b\u00e4r", L"\u4e2d")));
-    EXPECT_EQ("\xc3\xa9|\xe9", A(FVA("%wc|%c", 0xE9, 0xE9)));
+    EXPECT_EQ("b\xc3\xa4r|\xe4\xb8\xad", A(FV("%ws|%wS", L"b\u00e4r", L"\u4e2d")));
+    EXPECT_EQ("\xc3\xa9|\xe9", A(FV("%wc|%c", 0xE9, 0xE9)));
     // In a wide string h makes %s and %c narrow: a lone byte 0xE9 is not
     // UTF-8, so it shows as U+FFFD rather than as U+00E9.
     EXPECT_EQ(L"b\u00e4r|\uFFFD|\u00e9", W(FV(L"%hs|%hc|%c", "b\xc3\xa4r", 0xE9, 0xE9)));
     // Typed arguments: a wide character under %wc is encoded, in either width.
-    EXPECT_EQ("\xc3\xa9|\xe4\xb8\xad", A(FA("%wc|%ws", L'\u00e9', L"\u4e2d")));
+    EXPECT_EQ("\xc3\xa9|\xe4\xb8\xad", A(F("%wc|%ws", L'\u00e9', L"\u4e2d")));
     EXPECT_EQ(L"\u00e9|\u4e2d", W(F(L"%wc|%ws", L'\u00e9', L"\u4e2d")));
-    EXPECT_EQ("[  ab]|[ab  ]", A(FVA("[%4.2ws]|[%-4ws]", L"abc", L"ab")));
+    EXPECT_EQ("[  ab]|[ab  ]", A(FV("[%4.2ws]|[%-4ws]", L"abc", L"ab")));
 }
 
 TEST(CStringFormatPointer, APointerIsItsFullWidthInUpperCaseHex)
@@ -137,8 +120,8 @@ TEST(CStringFormatPointer, APointerIsItsFullWidthInUpperCaseHex)
     };
     for (const auto &[expected, actual] : cases)
         EXPECT_EQ(std::wstring(expected), W(actual));
-    EXPECT_EQ("00000000ABCDEF12 x", A(FA("%p %s", p, "x")));
-    EXPECT_EQ("00000000ABCDEF12", A(FVA("%p", p)));
+    EXPECT_EQ("00000000ABCDEF12 x", A(F("%p %s", p, "x")));
+    EXPECT_EQ("00000000ABCDEF12", A(FV("%p", p)));
 
     CString s(L"kept");
     EXPECT_THROW(s.Format(L"%p", 1.5), CInvalidArgException);
@@ -175,8 +158,9 @@ TEST(CStringSpan, TheLeadingRunInOrOutOfTheSet)
     for (const Case &c : cases)
     {
         const CString text(c.text);
-        EXPECT_EQ(std::wstring(c.including), W(text.SpanIncluding(c.set))) << "text " << testing::PrintToString(std::wstring(c.text));
-        EXPECT_EQ(std::wstring(c.excluding), W(text.SpanExcluding(c.set))) << "text " << testing::PrintToString(std::wstring(c.text));
+        const std::string shown = testing::PrintToString(std::wstring(c.text));
+        EXPECT_EQ(std::wstring(c.including), W(text.SpanIncluding(c.set))) << shown;
+        EXPECT_EQ(std::wstring(c.excluding), W(text.SpanExcluding(c.set))) << shown;
         EXPECT_EQ(std::wstring(c.text), W(text)) << "a span leaves its source alone";
     }
     // No set at all behaves as an empty one.
