@@ -20,6 +20,7 @@
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/platform/Exceptions.h>
+#include <scoremodel/version.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -292,7 +293,7 @@ int main(int argc, char **argv)
     const std::string command = argv[1];
     if (command == "--version")
     {
-        std::printf("scoremodel %s\n", SCOREMODEL_VERSION);
+        std::printf("scoremodel %s\n", MCGetLibraryVersion());
         return 0;
     }
     if (command == "--help" || command == "-h")

@@ -52,6 +52,8 @@
 // the trash or the handler list per command beyond calling each handler.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/events/base/MCFuncList.h>
 #include <scoremodel/platform/CCriticalSection.h>
@@ -65,7 +67,7 @@ class MCCommandTimer;
 class MCUndoItem;
 class SCCommand;
 
-class MCCommandMgr
+class SCOREMODEL_API MCCommandMgr
 {
 public:
     typedef CTypedPtrList<MCCommandList, CCBase *> CommandList;

@@ -11,13 +11,15 @@
 // thread that made it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/platform/CWnd.h>
 
 class CCBase;
 class MCCommandMgr;
 
-class MCCommandTimer : public CWnd
+class SCOREMODEL_API MCCommandTimer : public CWnd
 {
 public:
     // The id of the batch timer on its window.

@@ -5,11 +5,13 @@
 // scope, so a lock held across a throwing call is never left behind.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 #include <mutex>
 
-class CCriticalSection
+class SCOREMODEL_API CCriticalSection
 {
 public:
     CCriticalSection() = default;
@@ -31,7 +33,7 @@ private:
     std::recursive_mutex m_mutex;
 };
 
-class CSingleLock
+class SCOREMODEL_API CSingleLock
 {
 public:
     // Takes the lock at once when bInitialLock is TRUE.

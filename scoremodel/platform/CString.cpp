@@ -513,7 +513,7 @@ public:
         switch (a.kind)
         {
         case CStringFormatArg::floating: v = a.d; break;
-        case CStringFormatArg::longFloating: v = a.ld; break;
+        case CStringFormatArg::longFloating: v = *a.ld; break;
         case CStringFormatArg::integer: v = static_cast<long double>(static_cast<LONGLONG>(a.bits)); break;
         case CStringFormatArg::unsignedInteger: v = static_cast<long double>(a.bits); break;
         default: Mismatch("a number");

@@ -11,9 +11,11 @@
 // Each record is that of its base.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 
-class ECControllerEnv : public ECEnvelope
+class SCOREMODEL_API ECControllerEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECControllerEnv)
 
@@ -36,7 +38,7 @@ protected:
     ~ECControllerEnv() override;
 };
 
-class ECPatchEnv : public ECEnvelope
+class SCOREMODEL_API ECPatchEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPatchEnv)
 
@@ -59,7 +61,7 @@ protected:
     ~ECPatchEnv() override;
 };
 
-class ECPitchBendEnv : public ECEnvelope
+class SCOREMODEL_API ECPitchBendEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPitchBendEnv)
 
@@ -82,7 +84,7 @@ protected:
     ~ECPitchBendEnv() override;
 };
 
-class ECChanPressureEnv : public ECEnvelope
+class SCOREMODEL_API ECChanPressureEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECChanPressureEnv)
 
@@ -105,7 +107,7 @@ protected:
     ~ECChanPressureEnv() override;
 };
 
-class ECPolyPressureEnv : public ECEnvelope
+class SCOREMODEL_API ECPolyPressureEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPolyPressureEnv)
 
@@ -128,7 +130,7 @@ protected:
     ~ECPolyPressureEnv() override;
 };
 
-class ECRPNEnv : public ECEnvelope
+class SCOREMODEL_API ECRPNEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECRPNEnv)
 
@@ -151,7 +153,7 @@ protected:
     ~ECRPNEnv() override;
 };
 
-class ECNRPNEnv : public ECEnvelope
+class SCOREMODEL_API ECNRPNEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECNRPNEnv)
 

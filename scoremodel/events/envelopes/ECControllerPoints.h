@@ -15,9 +15,11 @@
 // Each record is that of its base.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECControlChange : public ECEnvPoint
+class SCOREMODEL_API ECControlChange : public ECEnvPoint
 {
     DECLARE_SERIAL(ECControlChange)
 
@@ -40,7 +42,7 @@ protected:
     ~ECControlChange() override;
 };
 
-class ECBankLSB : public ECControlChange
+class SCOREMODEL_API ECBankLSB : public ECControlChange
 {
     DECLARE_SERIAL(ECBankLSB)
 
@@ -63,7 +65,7 @@ protected:
     ~ECBankLSB() override;
 };
 
-class ECBankMSB : public ECControlChange
+class SCOREMODEL_API ECBankMSB : public ECControlChange
 {
     DECLARE_SERIAL(ECBankMSB)
 
@@ -86,7 +88,7 @@ protected:
     ~ECBankMSB() override;
 };
 
-class ECChannelMode : public ECControlChange
+class SCOREMODEL_API ECChannelMode : public ECControlChange
 {
     DECLARE_SERIAL(ECChannelMode)
 
@@ -109,7 +111,7 @@ protected:
     ~ECChannelMode() override;
 };
 
-class ECPan : public ECControlChange
+class SCOREMODEL_API ECPan : public ECControlChange
 {
     DECLARE_SERIAL(ECPan)
 
@@ -132,7 +134,7 @@ protected:
     ~ECPan() override;
 };
 
-class ECProgramChange : public ECEnvPoint
+class SCOREMODEL_API ECProgramChange : public ECEnvPoint
 {
     DECLARE_SERIAL(ECProgramChange)
 
@@ -155,7 +157,7 @@ protected:
     ~ECProgramChange() override;
 };
 
-class ECPitchBend : public ECEnvPoint
+class SCOREMODEL_API ECPitchBend : public ECEnvPoint
 {
     DECLARE_SERIAL(ECPitchBend)
 
@@ -178,7 +180,7 @@ protected:
     ~ECPitchBend() override;
 };
 
-class ECChannelPressure : public ECEnvPoint
+class SCOREMODEL_API ECChannelPressure : public ECEnvPoint
 {
     DECLARE_SERIAL(ECChannelPressure)
 
@@ -201,7 +203,7 @@ protected:
     ~ECChannelPressure() override;
 };
 
-class ECPolyPressure : public ECEnvPoint
+class SCOREMODEL_API ECPolyPressure : public ECEnvPoint
 {
     DECLARE_SERIAL(ECPolyPressure)
 
@@ -224,7 +226,7 @@ protected:
     ~ECPolyPressure() override;
 };
 
-class ECRPNPoint : public ECEnvPoint
+class SCOREMODEL_API ECRPNPoint : public ECEnvPoint
 {
     DECLARE_SERIAL(ECRPNPoint)
 
@@ -247,7 +249,7 @@ protected:
     ~ECRPNPoint() override;
 };
 
-class ECNRPNPoint : public ECEnvPoint
+class SCOREMODEL_API ECNRPNPoint : public ECEnvPoint
 {
     DECLARE_SERIAL(ECNRPNPoint)
 

@@ -7,10 +7,12 @@
 // Archive record: that of ECEnvPoint.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECTempo : public ECEnvPoint
+class SCOREMODEL_API ECTempo : public ECEnvPoint
 {
     DECLARE_SERIAL(ECTempo)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECEnvelope.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 
-class ECTempoEnv : public ECEnvelope
+class SCOREMODEL_API ECTempoEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECTempoEnv)
 
