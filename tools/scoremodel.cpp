@@ -8,8 +8,10 @@
 //   scoremodel dump FILE     the event tree of a saved document
 //   scoremodel info FILE     a summary of a saved document
 //
+// FILE may be a file, a pipe or a device, or "-" for standard input; every
+// input is read whole first and then checked the same way.
 // Errors go to stderr; the exit code is 0 on success, 1 when the work failed
-// and 2 for a wrong command line.
+// (a failed write of the output included) and 2 for a wrong command line.
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandMgr.h>
@@ -19,17 +21,22 @@
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
+#include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/version.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
+#include <stdexcept>
 #include <string>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -256,9 +263,69 @@ int Demo(const char *path)
     return 0;
 }
 
+// A document read from a file, a pipe, a device or "-" (standard input). The
+// bytes are read whole first, so that an input is refused or accepted for
+// what it holds, whatever it is: trailing bytes after the document are
+// refused from a pipe as from a file.
+class Input
+{
+public:
+    explicit Input(const char *path) : m_name(std::strcmp(path, "-") == 0 ? "standard input" : path)
+    {
+        const bool standardInput = std::strcmp(path, "-") == 0;
+        const int fd = standardInput ? STDIN_FILENO : ::open(path, O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            Fail(errno);
+        char chunk[65536];
+        for (;;)
+        {
+            const ssize_t n = ::read(fd, chunk, sizeof chunk);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0)
+            {
+                const int err = errno;
+                if (!standardInput)
+                    ::close(fd);
+                Fail(err);
+            }
+            if (n == 0)
+                break;
+            m_bytes.insert(m_bytes.end(), chunk, chunk + n);
+            if (m_bytes.size() > 0xFFFFFFFFu)
+                throw std::runtime_error(m_name + ": larger than 4 GiB, more than a document can be");
+        }
+        if (!standardInput)
+            ::close(fd);
+    }
+
+    // The document in the input; its reasons for a refusal name the input.
+    ECPerformance *Read(int *version)
+    {
+        CMemFile file(m_bytes.data(), static_cast<UINT>(m_bytes.size()));
+        try
+        {
+            return MCDocumentFile::Read(file, version);
+        }
+        catch (const std::exception &e)
+        {
+            throw std::runtime_error(m_name + ": " + e.what());
+        }
+    }
+    const std::string &Name() const { return m_name; }
+    size_t Size() const { return m_bytes.size(); }
+
+private:
+    [[noreturn]] void Fail(int err) const { throw std::runtime_error(m_name + ": " + std::strerror(err)); }
+
+    std::string m_name;
+    std::vector<BYTE> m_bytes;
+};
+
 int Dump(const char *path)
 {
-    Document doc(MCDocumentFile::Load(path));
+    Input input(path);
+    Document doc(input.Read(nullptr));
     Walk(doc.get(), [](ECBase *event, int depth, bool again) {
         std::printf("%*s%s%s\n", depth * 2, "", EventLine(event).c_str(), again ? " (again)" : "");
     });
@@ -267,11 +334,11 @@ int Dump(const char *path)
 
 int Info(const char *path)
 {
-    CFile file(path, CFile::modeRead);
-    const ULONGLONG size = file.GetLength();
+    Input input(path);
     int version = 0;
-    Document doc(MCDocumentFile::Read(file, &version));
-    std::printf("%s: document version %d, %llu bytes\n", path, version, static_cast<unsigned long long>(size));
+    Document doc(input.Read(&version));
+    std::printf("%s: document version %d, %llu bytes\n", input.Name().c_str(), version,
+                static_cast<unsigned long long>(input.Size()));
     PrintSummary(doc.get());
     return 0;
 }
@@ -281,8 +348,32 @@ int Usage(FILE *out)
     std::fprintf(out, "usage: scoremodel --version\n"
                       "       scoremodel demo [FILE]   build, save, load and check a small document\n"
                       "       scoremodel dump FILE     print the event tree of a document\n"
-                      "       scoremodel info FILE     print a summary of a document\n");
+                      "       scoremodel info FILE     print a summary of a document\n"
+                      "FILE may be a pipe or a device; \"-\" reads standard input.\n"
+                      "\n"
+                      "Exit codes: 0 success; 1 the work failed (an unreadable or refused\n"
+                      "document, a failed save, output that could not be written); 2 a wrong\n"
+                      "command line.\n"
+                      "\n"
+                      "Environment:\n"
+                      "  SCOREMODEL_DATA_DIR   folder of the shipped data (language files)\n"
+                      "  SCOREMODEL_USER_DIR   one folder for every user file (preferences)\n"
+                      "  XDG_CONFIG_HOME       user files go to $XDG_CONFIG_HOME/scoremodel\n"
+                      "  SCOREMODEL_NODE_POOL  \"heap\" takes every list node from the heap\n"
+                      "  TMPDIR                where demo saves when no FILE is given\n");
     return out == stdout ? 0 : 2;
+}
+
+// Output that could not be written (a full disk, a closed pipe) fails the
+// run: buffered output is only known to be lost when it is flushed.
+int FinishOutput(int code)
+{
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+    {
+        std::fprintf(stderr, "scoremodel: cannot write the output: %s\n", std::strerror(errno));
+        return 1;
+    }
+    return code;
 }
 } // namespace
 
@@ -294,18 +385,18 @@ int main(int argc, char **argv)
     if (command == "--version")
     {
         std::printf("scoremodel %s\n", MCGetLibraryVersion());
-        return 0;
+        return FinishOutput(0);
     }
     if (command == "--help" || command == "-h")
-        return Usage(stdout);
+        return FinishOutput(Usage(stdout));
     try
     {
         if (command == "demo" && argc <= 3)
-            return Demo(argc == 3 ? argv[2] : nullptr);
+            return FinishOutput(Demo(argc == 3 ? argv[2] : nullptr));
         if (command == "dump" && argc == 3)
-            return Dump(argv[2]);
+            return FinishOutput(Dump(argv[2]));
         if (command == "info" && argc == 3)
-            return Info(argv[2]);
+            return FinishOutput(Info(argv[2]));
     }
     catch (const std::exception &e)
     {

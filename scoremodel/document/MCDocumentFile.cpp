@@ -391,7 +391,15 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
     // stays on one file system.
     static std::atomic<unsigned> s_counter{0};
     const std::string temp = target + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(++s_counter);
-    CFile file(temp.c_str(), CFile::modeCreate | CFile::modeWrite);
+    // The temporary file is the save's own affair: a failure names the
+    // target the caller asked for.
+    const auto onTarget = [&target](const CFileException &e) {
+        return CFileException(e.m_cause, e.m_lOsError, target);
+    };
+    CFile file;
+    CFileException openError(CFileException::none, 0, temp);
+    if (!file.Open(temp.c_str(), CFile::modeCreate | CFile::modeWrite, &openError))
+        throw onTarget(openError);
     try
     {
         if (replacing)
@@ -404,6 +412,12 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
             const int err = errno;
             throw CFileException(CFileException::OsErrorToCause(err), err, target);
         }
+    }
+    catch (const CFileException &e)
+    {
+        file.Abort();
+        ::unlink(temp.c_str());
+        throw onTarget(e);
     }
     catch (...)
     {

@@ -85,6 +85,9 @@ public:
 
     // The platform cause that best matches an errno value.
     static int OsErrorToCause(long osError);
+    // A short readable English reason for a cause ("disk full"); what()
+    // uses it when there is no errno.
+    static const char *CauseText(int cause);
 
     int m_cause;
     long m_lOsError;
