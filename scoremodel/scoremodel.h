@@ -181,6 +181,7 @@
 
 // The document file and the filter bases.
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/document/MCDocumentOwner.h>
 #include <scoremodel/document/MCFileReader.h>
 #include <scoremodel/document/MCFileWriter.h>
 

@@ -17,6 +17,7 @@
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/document/MCDocumentOwner.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -42,27 +43,6 @@
 
 namespace
 {
-// A document held by the tool; the tree and the performance hold each other,
-// so the tree is taken down first.
-class Document
-{
-public:
-    explicit Document(ECPerformance *performance) : m_p(performance) {}
-    ~Document()
-    {
-        m_p->RemoveChildren(1);
-        m_p->Unref(1);
-        MCCommandMgr::OnIdle(); // the undo steps the document left
-    }
-    Document(const Document &) = delete;
-    Document &operator=(const Document &) = delete;
-    ECPerformance *operator->() const { return m_p; }
-    ECPerformance *get() const { return m_p; }
-
-private:
-    ECPerformance *m_p;
-};
-
 std::string TimeText(const MCTime *time)
 {
     char text[64];
@@ -199,9 +179,7 @@ int Demo(const char *path)
         file = std::string(tmp && *tmp ? tmp : "/tmp") + "/scoremodel-demo-" + std::to_string(::getpid()) + ".smd";
     }
 
-    Document doc(new ECPerformance);
-    doc->Ref();
-    doc->AddChild(new ECConductor, 0);
+    MCDocumentOwner doc = MCDocumentOwner::Make();
     ECConductor *conductor = doc->GetConductor();
     if (!conductor || !conductor->GetConductorStaff())
     {
@@ -215,7 +193,7 @@ int Demo(const char *path)
     for (ECStaff *&staff : staves)
     {
         staff = new ECStaff;
-        if (!Edit(doc.get(), L"Add staff", new CCAddTrack(staff, -1)))
+        if (!Edit(doc.Get(), L"Add staff", new CCAddTrack(staff, -1)))
         {
             std::fprintf(stderr, "scoremodel: a staff could not be added\n");
             return 1;
@@ -223,7 +201,7 @@ int Demo(const char *path)
     }
     ECConductorStaff *conductorStaff = conductor->GetConductorStaff();
     const int before = conductorStaff->GetMaxStaffNumber();
-    Edit(doc.get(), L"Remove staff", new CCRemoveTrack(staves[1]));
+    Edit(doc.Get(), L"Remove staff", new CCRemoveTrack(staves[1]));
     const int removed = conductorStaff->GetMaxStaffNumber();
     doc->Undo(1);
     const int undone = conductorStaff->GetMaxStaffNumber();
@@ -240,26 +218,26 @@ int Demo(const char *path)
         return 1;
     }
 
-    MCDocumentFile::Save(doc.get(), file.c_str());
+    MCDocumentFile::Save(doc.Get(), file.c_str());
     struct stat st;
     const long long size = ::stat(file.c_str(), &st) == 0 ? static_cast<long long>(st.st_size) : -1;
     std::printf("saved %s (%lld bytes)\n", file.c_str(), size);
 
     int version = 0;
     CFile in(file.c_str(), CFile::modeRead);
-    Document loaded(MCDocumentFile::Read(in, &version));
+    MCDocumentOwner loaded(MCDocumentFile::Read(in, &version));
     in.Close();
     if (!path)
         std::remove(file.c_str());
     std::unordered_map<ECBase *, ECBase *> pairs;
-    const std::string difference = Difference(doc.get(), loaded.get(), pairs);
+    const std::string difference = Difference(doc.Get(), loaded.Get(), pairs);
     if (!difference.empty())
     {
         std::fprintf(stderr, "scoremodel: the loaded document differs: %s\n", difference.c_str());
         return 1;
     }
     std::printf("loaded version %d: the same tree\n", version);
-    PrintSummary(loaded.get());
+    PrintSummary(loaded.Get());
     return 0;
 }
 
@@ -325,8 +303,8 @@ private:
 int Dump(const char *path)
 {
     Input input(path);
-    Document doc(input.Read(nullptr));
-    Walk(doc.get(), [](ECBase *event, int depth, bool again) {
+    MCDocumentOwner doc(input.Read(nullptr));
+    Walk(doc.Get(), [](ECBase *event, int depth, bool again) {
         std::printf("%*s%s%s\n", depth * 2, "", EventLine(event).c_str(), again ? " (again)" : "");
     });
     return 0;
@@ -336,10 +314,10 @@ int Info(const char *path)
 {
     Input input(path);
     int version = 0;
-    Document doc(input.Read(&version));
+    MCDocumentOwner doc(input.Read(&version));
     std::printf("%s: document version %d, %llu bytes\n", input.Name().c_str(), version,
                 static_cast<unsigned long long>(input.Size()));
-    PrintSummary(doc.get());
+    PrintSummary(doc.Get());
     return 0;
 }
 
