@@ -1,6 +1,13 @@
 // The whole public interface of scoremodel in one include.
 #pragma once
 
+#if !defined(__cplusplus) || __cplusplus < 202002L
+#error "scoremodel needs C++20 or later (-std=c++20)"
+#endif
+
+#include <scoremodel/Export.h>
+#include <scoremodel/version.h>
+
 // The floor: stand-ins for the platform interfaces and the common services.
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/CArray.h>
@@ -14,11 +21,9 @@
 #include <scoremodel/platform/CWnd.h>
 #include <scoremodel/platform/CommonPaths.h>
 #include <scoremodel/platform/Exceptions.h>
-#include <scoremodel/platform/MCIniFile.h>
 #include <scoremodel/platform/MCLanguageManager.h>
 #include <scoremodel/platform/MCMessageLoop.h>
 #include <scoremodel/platform/MessageBox.h>
-#include <scoremodel/platform/MessageQueue.h>
 #include <scoremodel/platform/Preferences.h>
 #include <scoremodel/platform/Types.h>
 #include <scoremodel/platform/Window.h>
@@ -57,7 +62,6 @@
 #include <scoremodel/events/base/MCEventList.h>
 #include <scoremodel/events/base/MCEventWalk.h>
 #include <scoremodel/events/base/MCFuncList.h>
-#include <scoremodel/events/base/MCNodePool.h>
 #include <scoremodel/events/base/MCObList.h>
 #include <scoremodel/events/base/MCPtrList.h>
 #include <scoremodel/events/base/MCVoiceTrack.h>
@@ -177,6 +181,7 @@
 
 // The document file and the filter bases.
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/document/MCDocumentOwner.h>
 #include <scoremodel/document/MCFileReader.h>
 #include <scoremodel/document/MCFileWriter.h>
 

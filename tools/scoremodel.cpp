@@ -8,13 +8,16 @@
 //   scoremodel dump FILE     the event tree of a saved document
 //   scoremodel info FILE     a summary of a saved document
 //
+// FILE may be a file, a pipe or a device, or "-" for standard input; every
+// input is read whole first and then checked the same way.
 // Errors go to stderr; the exit code is 0 on success, 1 when the work failed
-// and 2 for a wrong command line.
+// (a failed write of the output included) and 2 for a wrong command line.
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/document/MCDocumentFile.h>
+#include <scoremodel/document/MCDocumentOwner.h>
 #include <scoremodel/events/envelopes/ECControllerEnvelopes.h>
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
@@ -23,42 +26,27 @@
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
+#include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
+#include <scoremodel/version.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
+#include <stdexcept>
 #include <string>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace
 {
-// A document held by the tool; the tree and the performance hold each other,
-// so the tree is taken down first.
-class Document
-{
-public:
-    explicit Document(ECPerformance *performance) : m_p(performance) {}
-    ~Document()
-    {
-        m_p->RemoveChildren(1);
-        m_p->Unref(1);
-        MCCommandMgr::OnIdle(); // the undo steps the document left
-    }
-    Document(const Document &) = delete;
-    Document &operator=(const Document &) = delete;
-    ECPerformance *operator->() const { return m_p; }
-    ECPerformance *get() const { return m_p; }
-
-private:
-    ECPerformance *m_p;
-};
-
 std::string TimeText(const MCTime *time)
 {
     char text[64];
@@ -213,9 +201,7 @@ int Demo(const char *path)
         file = std::string(tmp && *tmp ? tmp : "/tmp") + "/scoremodel-demo-" + std::to_string(::getpid()) + ".smd";
     }
 
-    Document doc(new ECPerformance);
-    doc->Ref();
-    doc->AddChild(new ECConductor, 0);
+    MCDocumentOwner doc = MCDocumentOwner::Make();
     ECConductor *conductor = doc->GetConductor();
     if (!conductor || !conductor->GetConductorStaff())
     {
@@ -229,7 +215,7 @@ int Demo(const char *path)
     for (ECStaff *&staff : staves)
     {
         staff = new ECStaff;
-        if (!Edit(doc.get(), L"Add staff", new CCAddTrack(staff, -1)))
+        if (!Edit(doc.Get(), L"Add staff", new CCAddTrack(staff, -1)))
         {
             std::fprintf(stderr, "scoremodel: a staff could not be added\n");
             return 1;
@@ -237,7 +223,7 @@ int Demo(const char *path)
     }
     ECConductorStaff *conductorStaff = conductor->GetConductorStaff();
     const int before = conductorStaff->GetMaxStaffNumber();
-    Edit(doc.get(), L"Remove staff", new CCRemoveTrack(staves[1]));
+    Edit(doc.Get(), L"Remove staff", new CCRemoveTrack(staves[1]));
     const int removed = conductorStaff->GetMaxStaffNumber();
     doc->Undo(1);
     const int undone = conductorStaff->GetMaxStaffNumber();
@@ -288,33 +274,93 @@ int Demo(const char *path)
     }
     staves[0]->AddChild(volume, 1);
 
-    MCDocumentFile::Save(doc.get(), file.c_str());
+    MCDocumentFile::Save(doc.Get(), file.c_str());
     struct stat st;
     const long long size = ::stat(file.c_str(), &st) == 0 ? static_cast<long long>(st.st_size) : -1;
     std::printf("saved %s (%lld bytes)\n", file.c_str(), size);
 
     int version = 0;
     CFile in(file.c_str(), CFile::modeRead);
-    Document loaded(MCDocumentFile::Read(in, &version));
+    MCDocumentOwner loaded(MCDocumentFile::Read(in, &version));
     in.Close();
     if (!path)
         std::remove(file.c_str());
     std::unordered_map<ECBase *, ECBase *> pairs;
-    const std::string difference = Difference(doc.get(), loaded.get(), pairs);
+    const std::string difference = Difference(doc.Get(), loaded.Get(), pairs);
     if (!difference.empty())
     {
         std::fprintf(stderr, "scoremodel: the loaded document differs: %s\n", difference.c_str());
         return 1;
     }
     std::printf("loaded version %d: the same tree\n", version);
-    PrintSummary(loaded.get());
+    PrintSummary(loaded.Get());
     return 0;
 }
 
+// A document read from a file, a pipe, a device or "-" (standard input). The
+// bytes are read whole first, so that an input is refused or accepted for
+// what it holds, whatever it is: trailing bytes after the document are
+// refused from a pipe as from a file.
+class Input
+{
+public:
+    explicit Input(const char *path) : m_name(std::strcmp(path, "-") == 0 ? "standard input" : path)
+    {
+        const bool standardInput = std::strcmp(path, "-") == 0;
+        const int fd = standardInput ? STDIN_FILENO : ::open(path, O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            Fail(errno);
+        char chunk[65536];
+        for (;;)
+        {
+            const ssize_t n = ::read(fd, chunk, sizeof chunk);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0)
+            {
+                const int err = errno;
+                if (!standardInput)
+                    ::close(fd);
+                Fail(err);
+            }
+            if (n == 0)
+                break;
+            m_bytes.insert(m_bytes.end(), chunk, chunk + n);
+            if (m_bytes.size() > 0xFFFFFFFFu)
+                throw std::runtime_error(m_name + ": larger than 4 GiB, more than a document can be");
+        }
+        if (!standardInput)
+            ::close(fd);
+    }
+
+    // The document in the input; its reasons for a refusal name the input.
+    ECPerformance *Read(int *version)
+    {
+        CMemFile file(m_bytes.data(), static_cast<UINT>(m_bytes.size()));
+        try
+        {
+            return MCDocumentFile::Read(file, version);
+        }
+        catch (const std::exception &e)
+        {
+            throw std::runtime_error(m_name + ": " + e.what());
+        }
+    }
+    const std::string &Name() const { return m_name; }
+    size_t Size() const { return m_bytes.size(); }
+
+private:
+    [[noreturn]] void Fail(int err) const { throw std::runtime_error(m_name + ": " + std::strerror(err)); }
+
+    std::string m_name;
+    std::vector<BYTE> m_bytes;
+};
+
 int Dump(const char *path)
 {
-    Document doc(MCDocumentFile::Load(path));
-    Walk(doc.get(), [](ECBase *event, int depth, bool again) {
+    Input input(path);
+    MCDocumentOwner doc(input.Read(nullptr));
+    Walk(doc.Get(), [](ECBase *event, int depth, bool again) {
         std::printf("%*s%s%s\n", depth * 2, "", EventLine(event).c_str(), again ? " (again)" : "");
     });
     return 0;
@@ -322,12 +368,12 @@ int Dump(const char *path)
 
 int Info(const char *path)
 {
-    CFile file(path, CFile::modeRead);
-    const ULONGLONG size = file.GetLength();
+    Input input(path);
     int version = 0;
-    Document doc(MCDocumentFile::Read(file, &version));
-    std::printf("%s: document version %d, %llu bytes\n", path, version, static_cast<unsigned long long>(size));
-    PrintSummary(doc.get());
+    MCDocumentOwner doc(input.Read(&version));
+    std::printf("%s: document version %d, %llu bytes\n", input.Name().c_str(), version,
+                static_cast<unsigned long long>(input.Size()));
+    PrintSummary(doc.Get());
     return 0;
 }
 
@@ -336,8 +382,32 @@ int Usage(FILE *out)
     std::fprintf(out, "usage: scoremodel --version\n"
                       "       scoremodel demo [FILE]   build, save, load and check a small document\n"
                       "       scoremodel dump FILE     print the event tree of a document\n"
-                      "       scoremodel info FILE     print a summary of a document\n");
+                      "       scoremodel info FILE     print a summary of a document\n"
+                      "FILE may be a pipe or a device; \"-\" reads standard input.\n"
+                      "\n"
+                      "Exit codes: 0 success; 1 the work failed (an unreadable or refused\n"
+                      "document, a failed save, output that could not be written); 2 a wrong\n"
+                      "command line.\n"
+                      "\n"
+                      "Environment:\n"
+                      "  SCOREMODEL_DATA_DIR   folder of the shipped data (language files)\n"
+                      "  SCOREMODEL_USER_DIR   one folder for every user file (preferences)\n"
+                      "  XDG_CONFIG_HOME       user files go to $XDG_CONFIG_HOME/scoremodel\n"
+                      "  SCOREMODEL_NODE_POOL  \"heap\" takes every list node from the heap\n"
+                      "  TMPDIR                where demo saves when no FILE is given\n");
     return out == stdout ? 0 : 2;
+}
+
+// Output that could not be written (a full disk, a closed pipe) fails the
+// run: buffered output is only known to be lost when it is flushed.
+int FinishOutput(int code)
+{
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+    {
+        std::fprintf(stderr, "scoremodel: cannot write the output: %s\n", std::strerror(errno));
+        return 1;
+    }
+    return code;
 }
 } // namespace
 
@@ -348,22 +418,22 @@ int main(int argc, char **argv)
     const std::string command = argv[1];
     if (command == "--version")
     {
-        std::printf("scoremodel %s\n", SCOREMODEL_VERSION);
-        return 0;
+        std::printf("scoremodel %s\n", MCGetLibraryVersion());
+        return FinishOutput(0);
     }
     if (command == "--help" || command == "-h")
-        return Usage(stdout);
+        return FinishOutput(Usage(stdout));
     // Edits run on the thread that pumps the loop: this one, named before any
     // other library call.
     MCCommandMgr::SetDocumentThread();
     try
     {
         if (command == "demo" && argc <= 3)
-            return Demo(argc == 3 ? argv[2] : nullptr);
+            return FinishOutput(Demo(argc == 3 ? argv[2] : nullptr));
         if (command == "dump" && argc == 3)
-            return Dump(argv[2]);
+            return FinishOutput(Dump(argv[2]));
         if (command == "info" && argc == 3)
-            return Info(argv[2]);
+            return FinishOutput(Info(argv[2]));
     }
     catch (const std::exception &e)
     {

@@ -62,6 +62,8 @@
 // may be gone.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArray.h>
 #include <scoremodel/platform/CTypedPtrList.h>
 #include <scoremodel/platform/Types.h>
@@ -71,7 +73,7 @@
 class ECBase;
 class MCEventList;
 
-class ACBase
+class SCOREMODEL_API ACBase
 {
 public:
     typedef CTypedPtrList<MCEventList, ECBase *> EventList;

@@ -8,10 +8,12 @@
 // BeginAction clears the count; without Reset a second Apply adds to it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/actions/ACEventTypes.h>
 
-class ACCount : public ACBase, public ACEventTypes
+class SCOREMODEL_API ACCount : public ACBase, public ACEventTypes
 {
 public:
     // `n` slots for types (see ACEventTypes); no types yet.

@@ -12,11 +12,13 @@
 //     shift.Apply(pMeasure);      // everything from beat 4 one beat earlier
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/actions/ACTimeRange.h>
 #include <scoremodel/core/MCTime.h>
 
-class ACDeltaTime : public ACBase
+class SCOREMODEL_API ACDeltaTime : public ACBase
 {
 public:
     // Delta 0, range from zero to TimeMax(), closed.

@@ -16,9 +16,11 @@
 // Matching scans the types in use: searches look for one to three ids.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArray.h>
 
-class ACEventTypes
+class SCOREMODEL_API ACEventTypes
 {
 public:
     // `nSlots` slots of -1 (none for a negative value); no types yet.

@@ -9,9 +9,11 @@
 //     find.Apply(pStaff);
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACFindEvents.h>
 
-class ACFindData : public ACFindEvents
+class SCOREMODEL_API ACFindData : public ACFindEvents
 {
 public:
     // View code 0.

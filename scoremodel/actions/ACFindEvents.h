@@ -17,11 +17,13 @@
 // Threads: as ACBase.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACEventTypes.h>
 #include <scoremodel/actions/ACOffsetBase.h>
 #include <scoremodel/events/base/MCEventList.h>
 
-class ACFindEvents : public ACOffsetBase, public ACEventTypes
+class SCOREMODEL_API ACFindEvents : public ACOffsetBase, public ACEventTypes
 {
 public:
     static constexpr int kNoMaxCount = 0x7FFFFFFF;

@@ -16,10 +16,12 @@
 // event of the first one still held.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/actions/ACEventTypes.h>
 
-class ACFindFirstEvent : public ACBase, public ACEventTypes
+class SCOREMODEL_API ACFindFirstEvent : public ACBase, public ACEventTypes
 {
 public:
     // `n` slots for types (see ACEventTypes); no types yet.

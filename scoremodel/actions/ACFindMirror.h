@@ -12,9 +12,11 @@
 // search for all mirrors finds it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACFindEvents.h>
 
-class ACFindMirror : public ACFindEvents
+class SCOREMODEL_API ACFindMirror : public ACFindEvents
 {
 public:
     // Gives the event a mirror stands for, or null.

@@ -13,10 +13,12 @@
 // visited event than a small one.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/events/base/MCEventList.h>
 
-class ACFindObjects : public ACBase
+class SCOREMODEL_API ACFindObjects : public ACBase
 {
 public:
     // The set holds `object` (nothing for null).

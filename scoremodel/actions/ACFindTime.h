@@ -15,11 +15,13 @@
 // GetCount().
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACFindEvents.h>
 #include <scoremodel/actions/ACTimeRange.h>
 #include <scoremodel/core/MCTime.h>
 
-class ACFindTime : public ACFindEvents
+class SCOREMODEL_API ACFindTime : public ACFindEvents
 {
 public:
     // One type slot; a mode outside 0..3 gives mode 0.

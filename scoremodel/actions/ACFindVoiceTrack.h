@@ -10,9 +10,11 @@
 //     find.Apply(pPerformance);
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACFindEvents.h>
 
-class ACFindVoiceTrack : public ACFindEvents
+class SCOREMODEL_API ACFindVoiceTrack : public ACFindEvents
 {
 public:
     // Voice 15, track 0x7FF: every event with a voice/track word.

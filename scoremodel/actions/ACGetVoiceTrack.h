@@ -12,10 +12,12 @@
 // BeginAction does not clear it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/events/base/MCVoiceTrack.h>
 
-class ACGetVoiceTrack : public ACBase
+class SCOREMODEL_API ACGetVoiceTrack : public ACBase
 {
 public:
     explicit ACGetVoiceTrack(int bReverse = 0);

@@ -14,10 +14,12 @@
 // Threads: as ACBase.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/pitch/MCJianpu.h>
 
-class ACOffsetBase : public ACBase
+class SCOREMODEL_API ACOffsetBase : public ACBase
 {
 public:
     explicit ACOffsetBase(int bReverse = 0);

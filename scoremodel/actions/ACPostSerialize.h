@@ -17,11 +17,13 @@
 // Archive errors (CArchiveException) pass through the walk to the caller.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 
 class CArchive;
 
-class ACPostSerialize : public ACBase
+class SCOREMODEL_API ACPostSerialize : public ACBase
 {
 public:
     // Keeps a pointer to `ar`, which must outlive the action.

@@ -16,9 +16,11 @@
 // once the action has begun.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 
-class ACRelativesFirst : public ACBase
+class SCOREMODEL_API ACRelativesFirst : public ACBase
 {
 public:
     explicit ACRelativesFirst(int bReverse = 0);

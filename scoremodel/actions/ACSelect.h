@@ -19,10 +19,12 @@
 //     select.Apply(pPerformance);
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACFindTime.h>
 #include <scoremodel/platform/CArray.h>
 
-class ACSelect : public ACFindTime
+class SCOREMODEL_API ACSelect : public ACFindTime
 {
 public:
     // Range mode 3: start <= time < end. All voices, all tracks.

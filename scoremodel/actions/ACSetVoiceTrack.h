@@ -15,9 +15,11 @@
 // of voice 8 qualifies and a new voice of 8 is written as 7.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 
-class ACSetVoiceTrack : public ACBase
+class SCOREMODEL_API ACSetVoiceTrack : public ACBase
 {
 public:
     static constexpr int kNoTrack = 0x7FF;

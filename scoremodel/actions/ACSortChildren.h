@@ -10,10 +10,12 @@
 //     sort.Apply(pStaff);
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/actions/ACBase.h>
 #include <scoremodel/actions/ACEventTypes.h>
 
-class ACSortChildren : public ACBase, public ACEventTypes
+class SCOREMODEL_API ACSortChildren : public ACBase, public ACEventTypes
 {
 public:
     // `n` slots for types (see ACEventTypes); no types yet.

@@ -18,12 +18,14 @@
 // (FCMidi::MidiNull()).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/CCBase.h>
 #include <scoremodel/core/FCMidi.h>
 
 class ECTrack;
 
-class CCAddTrack : public CCBase
+class SCOREMODEL_API CCAddTrack : public CCBase
 {
     DECLARE_DYNCREATE(CCAddTrack)
 

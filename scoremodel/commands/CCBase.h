@@ -31,6 +31,8 @@
 // reference count is not atomic.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CTypedPtrList.h>
@@ -85,7 +87,7 @@ enum CommandId : int
     COMMAND_ID_ADD_COMPRESS = 45
 };
 
-class CCBase : public CObject
+class SCOREMODEL_API CCBase : public CObject
 {
     DECLARE_DYNCREATE(CCBase)
 

@@ -10,11 +10,13 @@
 // Process refuses a track that is not placed in the document.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/CCBase.h>
 
 class ECTrack;
 
-class CCRemoveTrack : public CCBase
+class SCOREMODEL_API CCRemoveTrack : public CCBase
 {
     DECLARE_DYNCREATE(CCRemoveTrack)
 

@@ -19,6 +19,8 @@
 // thread that runs its commands.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/MCPtrList.h>
 #include <scoremodel/platform/CTypedPtrList.h>
 
@@ -26,7 +28,7 @@ class CCBase;
 class ECPerformance;
 struct CRuntimeClass;
 
-class MCCommandList : public MCPtrList
+class SCOREMODEL_API MCCommandList : public MCPtrList
 {
 public:
     explicit MCCommandList(int nBlockSize = 10) : MCPtrList(nBlockSize) {}

@@ -69,6 +69,8 @@
 // batch or undo step is walked through memory in sequence.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/events/base/MCFuncList.h>
 #include <scoremodel/platform/CCriticalSection.h>
@@ -82,7 +84,7 @@ class MCCommandTimer;
 class MCUndoItem;
 class SCCommand;
 
-class MCCommandMgr
+class SCOREMODEL_API MCCommandMgr
 {
 public:
     typedef CTypedPtrList<MCCommandList, CCBase *> CommandList;

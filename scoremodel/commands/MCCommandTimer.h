@@ -23,13 +23,15 @@
 // it delivers what it holds, and it must happen on the thread that made it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/platform/CWnd.h>
 
 class CCBase;
 class MCCommandMgr;
 
-class MCCommandTimer : public CWnd
+class SCOREMODEL_API MCCommandTimer : public CWnd
 {
 public:
     // The id of the batch timer on its window.

@@ -9,13 +9,15 @@
 // command runs.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/platform/CString.h>
 
 class CCBase;
 class ECPerformance;
 
-class MCUndoItem
+class SCOREMODEL_API MCUndoItem
 {
 public:
     explicit MCUndoItem(const CString &name = CString()) : m_name(name) {}

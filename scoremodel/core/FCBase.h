@@ -23,11 +23,13 @@
 // holds its owner.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 #include <type_traits>
 
-class FCBase
+class SCOREMODEL_API FCBase
 {
 public:
     enum : unsigned long

@@ -5,9 +5,11 @@
 // stored ints, so 2 and 1 are not equal.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCBool : public FCBase
+class SCOREMODEL_API FCBool : public FCBase
 {
     FC_DECLARE_VALUE(FCBool, int, int, 0)
 

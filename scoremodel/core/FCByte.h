@@ -1,9 +1,11 @@
 // FCByte: a typed field holding one byte, with access to its bits.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCByte : public FCBase
+class SCOREMODEL_API FCByte : public FCBase
 {
     FC_DECLARE_VALUE(FCByte, BYTE, BYTE, 0)
 

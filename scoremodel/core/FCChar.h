@@ -2,9 +2,11 @@
 // Integer arithmetic wraps; dividing by zero leaves the value as it was.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCChar : public FCBase
+class SCOREMODEL_API FCChar : public FCBase
 {
     FC_DECLARE_VALUE(FCChar, wchar_t, wchar_t, 0)
 

@@ -2,9 +2,11 @@
 // RGB makes it). Colours compare as numbers.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCColor : public FCBase
+class SCOREMODEL_API FCColor : public FCBase
 {
     FC_DECLARE_VALUE(FCColor, unsigned long, unsigned long, 0)
 

@@ -2,9 +2,11 @@
 // Integer arithmetic wraps; dividing by zero leaves the value as it was.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCDWord : public FCBase
+class SCOREMODEL_API FCDWord : public FCBase
 {
     FC_DECLARE_VALUE(FCDWord, unsigned long, unsigned long, 0)
 

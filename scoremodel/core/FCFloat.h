@@ -2,9 +2,11 @@
 // Arithmetic is that of float, but dividing by zero leaves the value as it was.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCFloat : public FCBase
+class SCOREMODEL_API FCFloat : public FCBase
 {
     FC_DECLARE_VALUE(FCFloat, float, float, 0.0f)
 

@@ -3,9 +3,11 @@
 // into one int; this reads and writes them without masks at the call site.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCInt : public FCBase
+class SCOREMODEL_API FCInt : public FCBase
 {
     FC_DECLARE_VALUE(FCInt, int, int, 0)
 

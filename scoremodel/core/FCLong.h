@@ -2,9 +2,11 @@
 // Integer arithmetic wraps; dividing by zero leaves the value as it was.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCLong : public FCBase
+class SCOREMODEL_API FCLong : public FCBase
 {
     FC_DECLARE_VALUE(FCLong, long, long, 0)
 

@@ -10,6 +10,8 @@
 // left out of every system test: system exclusive belongs to FCMidiSysEx.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
 // A short MIDI message: status, data byte 1 and data byte 2 in the low three
@@ -25,7 +27,7 @@ union MIDIWORD
     unsigned long value;
 };
 
-class FCMidi : public FCBase
+class SCOREMODEL_API FCMidi : public FCBase
 {
 public:
     // All three bytes 0.

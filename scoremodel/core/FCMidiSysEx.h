@@ -19,10 +19,12 @@
 // and IsSysExMsg 1, every other test of FCMidi 0.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCMidi.h>
 #include <scoremodel/platform/CString.h>
 
-class FCMidiSysEx : public FCMidi
+class SCOREMODEL_API FCMidiSysEx : public FCMidi
 {
 public:
     FCMidiSysEx();

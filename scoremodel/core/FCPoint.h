@@ -2,10 +2,12 @@
 // CPoint itself.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 #include <scoremodel/platform/CGeometry.h>
 
-class FCPoint : public FCBase
+class SCOREMODEL_API FCPoint : public FCBase
 {
     FC_DECLARE_VALUE(FCPoint, CPoint, const CPoint &, CPoint())
 

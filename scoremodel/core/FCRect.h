@@ -2,10 +2,12 @@
 // CRect itself.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 #include <scoremodel/platform/CGeometry.h>
 
-class FCRect : public FCBase
+class SCOREMODEL_API FCRect : public FCBase
 {
     FC_DECLARE_VALUE(FCRect, CRect, const CRect &, CRect())
 

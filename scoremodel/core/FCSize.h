@@ -2,10 +2,12 @@
 // CSize itself.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 #include <scoremodel/platform/CGeometry.h>
 
-class FCSize : public FCBase
+class SCOREMODEL_API FCSize : public FCBase
 {
     FC_DECLARE_VALUE(FCSize, CSize, const CSize &, CSize())
 

@@ -3,10 +3,12 @@
 // compare field by field).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 #include <scoremodel/core/MCTime.h>
 
-class FCTime : public FCBase
+class SCOREMODEL_API FCTime : public FCBase
 {
     FC_DECLARE_VALUE(FCTime, MCTime, const MCTime &, MCTime())
 

@@ -2,9 +2,11 @@
 // Integer arithmetic wraps; dividing by zero leaves the value as it was.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCBase.h>
 
-class FCWord : public FCBase
+class SCOREMODEL_API FCWord : public FCBase
 {
     FC_DECLARE_VALUE(FCWord, WORD, WORD, 0)
 

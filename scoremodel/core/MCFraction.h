@@ -15,7 +15,9 @@
 // the stored fields to keep their width.
 #pragma once
 
-class MCFraction
+#include <scoremodel/Export.h>
+
+class SCOREMODEL_API MCFraction
 {
 public:
     // A den of 0 is stored as 1. The default is 0/1.

@@ -33,6 +33,8 @@
 //   long ticks = start.GetTicks(960);   // 1920
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 class CArchive;
@@ -40,7 +42,7 @@ class CArchive;
 // A position as bar, pulse inside the bar and tick inside the pulse, with the
 // resolution the tick is counted in. All indices start at 0. A plain record:
 // no operations, no range checks.
-struct BPTTime
+struct SCOREMODEL_API BPTTime
 {
     int bar;
     int pulse;
@@ -48,7 +50,7 @@ struct BPTTime
     int ppq;
 };
 
-class MCTime
+class SCOREMODEL_API MCTime
 {
 public:
     enum : BYTE

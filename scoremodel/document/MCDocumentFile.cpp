@@ -392,6 +392,11 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
     // never followed: whatever already stands at the name (a leftover, or a
     // link planted by someone else) is left alone and the next name tried.
     static std::atomic<unsigned> s_counter{0};
+    // The temporary file is the save's own affair: a failure names the
+    // target the caller asked for.
+    const auto onTarget = [&target](const CFileException &e) {
+        return CFileException(e.m_cause, e.m_lOsError, target);
+    };
     std::string temp;
     int fd = -1;
     for (int attempt = 0; fd < 0; ++attempt)
@@ -401,7 +406,7 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
         if (fd < 0 && (errno != EEXIST || attempt >= 100))
         {
             const int err = errno;
-            throw CFileException(CFileException::OsErrorToCause(err), err, temp);
+            throw CFileException(CFileException::OsErrorToCause(err), err, target);
         }
     }
     CFile file(fd);
@@ -417,6 +422,12 @@ void MCDocumentFile::Save(ECPerformance *performance, const char *path)
             const int err = errno;
             throw CFileException(CFileException::OsErrorToCause(err), err, target);
         }
+    }
+    catch (const CFileException &e)
+    {
+        file.Abort();
+        ::unlink(temp.c_str());
+        throw onTarget(e);
     }
     catch (...)
     {

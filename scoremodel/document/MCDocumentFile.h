@@ -38,6 +38,8 @@
 // save or load runs at a time in a process, on the document's thread.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/platform/Types.h>
@@ -50,7 +52,7 @@ class ECPerformance;
 
 // A document that could not be loaded: what was wrong (what()), in which
 // file and at which byte of it.
-class MCDocumentException : public CArchiveException
+class SCOREMODEL_API MCDocumentException : public CArchiveException
 {
 public:
     MCDocumentException(int cause, const std::string &problem, const std::string &path, ULONGLONG offset);
@@ -71,7 +73,7 @@ private:
     ULONGLONG m_nOffset;
 };
 
-class MCDocumentFile
+class SCOREMODEL_API MCDocumentFile
 {
 public:
     // The version this library writes: the newest layout of every record.

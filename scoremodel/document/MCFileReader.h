@@ -15,12 +15,14 @@
 // the class in a stream.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
 
 class MCOpusDoc;
 
-class MCFileReader : public CObject
+class SCOREMODEL_API MCFileReader : public CObject
 {
     DECLARE_SERIAL(MCFileReader)
 

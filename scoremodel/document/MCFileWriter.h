@@ -11,13 +11,15 @@
 // Archive: serialisable with schema 1 and no fields.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
 
 class CArchive;
 class MCOpusDoc;
 
-class MCFileWriter : public CObject
+class SCOREMODEL_API MCFileWriter : public CObject
 {
     DECLARE_SERIAL(MCFileWriter)
 

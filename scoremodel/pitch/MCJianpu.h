@@ -16,7 +16,9 @@
 // A plain value: no lock, copy freely.
 #pragma once
 
-class MCJianpu
+#include <scoremodel/Export.h>
+
+class SCOREMODEL_API MCJianpu
 {
 public:
     enum Mode : int

@@ -29,7 +29,9 @@
 // Not written to the document archive: notes keep their own MIDI number.
 #pragma once
 
-class MCPitch
+#include <scoremodel/Export.h>
+
+class SCOREMODEL_API MCPitch
 {
 public:
     // Where a staff position comes from.

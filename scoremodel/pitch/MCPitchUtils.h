@@ -25,6 +25,8 @@
 // is safe to call from any thread.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/pitch/MCPitch.h>
 #include <scoremodel/platform/CString.h>
 
@@ -35,7 +37,7 @@ class CTypedPtrList;
 class MCEventList;
 class ECBase;
 
-class MCPitchUtils
+class SCOREMODEL_API MCPitchUtils
 {
 public:
     // Quality of an interval, by semitone offset from the perfect or the major

@@ -59,6 +59,8 @@
 //     catch (const CArchiveException &) { /* release ar.GetLoadedObjects() */ }
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
@@ -74,7 +76,7 @@
 static_assert(std::endian::native == std::endian::little,
               "the archive copies scalars in memory order, which is little-endian on every supported target");
 
-class CArchive
+class SCOREMODEL_API CArchive
 {
 public:
     // Modes, combined with |: store or load, and bNoFlushOnDelete to keep
@@ -400,13 +402,13 @@ private:
 // Then: a BYTE below 0xFF; else 0xFF and a WORD below 0xFFFE; else 0xFF,
 // 0xFFFF and a DWORD below 0xFFFFFFFF; else 0xFF, 0xFFFF, 0xFFFFFFFF and a
 // 64-bit length.
-void AfxWriteStringLength(CArchive &ar, UINT_PTR nLength, BOOL bUnicode);
+SCOREMODEL_API void AfxWriteStringLength(CArchive &ar, UINT_PTR nLength, BOOL bUnicode);
 // Reads a length prefix; nCharSize becomes 1 (narrow) or 2 (wide). A length
 // above INT_MAX throws CArchiveException genericException.
-UINT_PTR AfxReadStringLength(CArchive &ar, int &nCharSize);
+SCOREMODEL_API UINT_PTR AfxReadStringLength(CArchive &ar, int &nCharSize);
 
 // `ar << pOb` is WriteObject; `ar >> pOb` is ReadObject of any class. The
 // typed `ar >> pNote` of a DECLARE_SERIAL class checks the class.
-CArchive &operator<<(CArchive &ar, const CObject *pOb);
-CArchive &operator>>(CArchive &ar, CObject *&pOb);
-CArchive &operator>>(CArchive &ar, const CObject *&pOb);
+SCOREMODEL_API CArchive &operator<<(CArchive &ar, const CObject *pOb);
+SCOREMODEL_API CArchive &operator>>(CArchive &ar, CObject *&pOb);
+SCOREMODEL_API CArchive &operator>>(CArchive &ar, const CObject *&pOb);

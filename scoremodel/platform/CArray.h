@@ -41,6 +41,8 @@
 // the source is left empty.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
@@ -54,11 +56,11 @@
 #include <utility>
 
 // Throws CInvalidArgException naming the index and the size of the array.
-[[noreturn]] void CArrayThrowBadIndex(const char *operation, INT_PTR nIndex, INT_PTR nSize);
+[[noreturn]] SCOREMODEL_API void CArrayThrowBadIndex(const char *operation, INT_PTR nIndex, INT_PTR nSize);
 // Throws CInvalidArgException with a message naming the operation.
-[[noreturn]] void CArrayThrowInvalidArg(const char *operation, const char *what);
+[[noreturn]] SCOREMODEL_API void CArrayThrowInvalidArg(const char *operation, const char *what);
 // Throws CArchiveException(endOfFile): the archive ended inside an array.
-[[noreturn]] void CArrayThrowEndOfFile();
+[[noreturn]] SCOREMODEL_API void CArrayThrowEndOfFile();
 
 // ---- Element serialization ---------------------------------------------------
 
@@ -96,7 +98,7 @@ constexpr bool kPlatformWidth = std::is_same_v<TYPE, long> || std::is_same_v<TYP
 
 // Whole elements per Read or Write call, whose size is a UINT of bytes.
 template <class TYPE>
-constexpr INT_PTR kElementsPerBlock = std::max<INT_PTR>(1, (INT_PTR)(0x7FFFFFFF / sizeof(TYPE)));
+constexpr INT_PTR kElementsPerBlock = (std::max<INT_PTR>)(1, (INT_PTR)(0x7FFFFFFF / sizeof(TYPE)));
 
 // One block per call; the archive only runs on little-endian hosts, so the
 // memory is the layout.
@@ -105,7 +107,7 @@ void SerializeRaw(CArchive &ar, TYPE *pElements, INT_PTR nCount)
 {
     for (INT_PTR done = 0; done < nCount;)
     {
-        INT_PTR n = std::min(kElementsPerBlock<TYPE>, nCount - done);
+        INT_PTR n = (std::min)(kElementsPerBlock<TYPE>, nCount - done);
         UINT nBytes = (UINT)(n * (INT_PTR)sizeof(TYPE));
         if (ar.IsStoring())
             ar.Write(pElements + done, nBytes);
@@ -165,7 +167,7 @@ void SerializeElements(CArchive &ar, TYPE *pElements, INT_PTR nCount)
 // ---- CArray --------------------------------------------------------------------
 
 template <class TYPE, class ARG_TYPE = const TYPE &>
-class CArray : public CObject
+class SCOREMODEL_API CArray : public CObject
 {
 public:
     typedef TYPE BASE_TYPE;
@@ -325,7 +327,7 @@ public:
         if (nIndex < 0 || nCount <= 0)
             CArrayThrowInvalidArg("CArray::InsertAt", "negative index or count below 1");
         INT_PTR nOldSize = m_nSize;
-        INT_PTR nFirstNew = std::max(nIndex, nOldSize);
+        INT_PTR nFirstNew = (std::max)(nIndex, nOldSize);
         if (nCount > MaxElements() - nFirstNew)
             CArrayThrowInvalidArg("CArray::InsertAt", "size too large");
         TYPE value(newElement); // newElement may live in this array
@@ -405,7 +407,7 @@ protected:
         SetSize(0);
         for (INT_PTR done = 0; done < nTotal;)
         {
-            INT_PTR n = std::min(kArrayLoadChunk, nTotal - done);
+            INT_PTR n = (std::min)(kArrayLoadChunk, nTotal - done);
             SetSize(done + n);
             readChunk(m_pData + done, n);
             done += n;
@@ -415,7 +417,7 @@ protected:
 private:
     static constexpr INT_PTR MaxElements()
     {
-        return (INT_PTR)(std::numeric_limits<INT_PTR>::max() / (INT_PTR)sizeof(TYPE));
+        return (INT_PTR)((std::numeric_limits<INT_PTR>::max)() / (INT_PTR)sizeof(TYPE));
     }
 
     INT_PTR CheckIndex(const char *operation, INT_PTR nIndex) const
@@ -429,9 +431,9 @@ private:
     // appending is amortised O(1), and at least the grow-by step.
     INT_PTR GrowTarget(INT_PTR nNeeded) const
     {
-        INT_PTR nStep = std::max<INT_PTR>({m_nGrowBy, m_nMaxSize / 2, 4});
+        INT_PTR nStep = (std::max<INT_PTR>)({m_nGrowBy, m_nMaxSize / 2, 4});
         INT_PTR nTarget = m_nMaxSize > MaxElements() - nStep ? MaxElements() : m_nMaxSize + nStep;
-        return std::max(nNeeded, nTarget);
+        return (std::max)(nNeeded, nTarget);
     }
 
     // Moves the elements into a block of nNewMax slots (>= m_nSize).
@@ -479,31 +481,31 @@ private:
 // ---- The concrete arrays -------------------------------------------------------
 
 // Bytes; archived as count then one raw block.
-class CByteArray : public CArray<BYTE, BYTE>
+class SCOREMODEL_API CByteArray : public CArray<BYTE, BYTE>
 {
     DECLARE_SERIAL(CByteArray)
 };
 
 // 16-bit words; archived as count then little-endian words.
-class CWordArray : public CArray<WORD, WORD>
+class SCOREMODEL_API CWordArray : public CArray<WORD, WORD>
 {
     DECLARE_SERIAL(CWordArray)
 };
 
 // 32-bit words; archived as count then little-endian dwords.
-class CDWordArray : public CArray<DWORD, DWORD>
+class SCOREMODEL_API CDWordArray : public CArray<DWORD, DWORD>
 {
     DECLARE_SERIAL(CDWordArray)
 };
 
 // Unsigned ints. UINT is 32 bits here, so the archive layout is CDWordArray's.
-class CUIntArray : public CArray<UINT, UINT>
+class SCOREMODEL_API CUIntArray : public CArray<UINT, UINT>
 {
     DECLARE_SERIAL(CUIntArray)
 };
 
 // Untyped pointers. Not serialisable: Serialize throws CNotSupportedException.
-class CPtrArray : public CArray<void *, void *>
+class SCOREMODEL_API CPtrArray : public CArray<void *, void *>
 {
     DECLARE_DYNAMIC(CPtrArray)
 
@@ -513,7 +515,7 @@ public:
 
 // Object pointers; archived as count then each element by WriteObject, so an
 // object reached twice is stored once. The array does not own its objects.
-class CObArray : public CArray<CObject *, CObject *>
+class SCOREMODEL_API CObArray : public CArray<CObject *, CObject *>
 {
     DECLARE_SERIAL(CObArray)
 
@@ -523,7 +525,7 @@ public:
 
 // Wide strings; archived as count then each string by the archive's string
 // operator. Add and SetAt take a CString or anything that converts to one.
-class CStringArray : public CArray<CString, const CString &>
+class SCOREMODEL_API CStringArray : public CArray<CString, const CString &>
 {
     DECLARE_SERIAL(CStringArray)
 };
@@ -553,7 +555,7 @@ inline TO CTypedPtrCast(FROM p)
 //     ECStaff *p = staves[3];      // reads
 //     staves[3]->GetNumber();      // reads through
 template <class BASE_ELEMENT, class TYPE>
-class CTypedPtrRef
+class SCOREMODEL_API CTypedPtrRef
 {
 public:
     explicit CTypedPtrRef(BASE_ELEMENT &slot) : m_slot(slot) {}
@@ -588,7 +590,7 @@ private:
 // ElementAt and the non-const operator[] return a CTypedPtrRef, which reads
 // and writes like TYPE & but cannot bind to a TYPE & variable.
 template <class BASE_CLASS, class TYPE>
-class CTypedPtrArray : public BASE_CLASS
+class SCOREMODEL_API CTypedPtrArray : public BASE_CLASS
 {
     static_assert(std::is_pointer_v<TYPE>, "CTypedPtrArray holds pointers");
 

@@ -5,13 +5,15 @@
 // scope, so a lock held across a throwing call is never left behind.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 #include <atomic>
 #include <mutex>
 #include <thread>
 
-class CCriticalSection
+class SCOREMODEL_API CCriticalSection
 {
 public:
     CCriticalSection() = default;
@@ -67,7 +69,7 @@ private:
     unsigned m_depth = 0;
 };
 
-class CSingleLock
+class SCOREMODEL_API CSingleLock
 {
 public:
     // Takes the lock at once when bInitialLock is TRUE.

@@ -17,13 +17,15 @@
 //     file.Close();
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/platform/Types.h>
 
 #include <string>
 
-class CFile
+class SCOREMODEL_API CFile
 {
 public:
     // Open flags, combined with |. One of modeRead, modeWrite and
@@ -144,7 +146,7 @@ protected:
 //     { CArchive ar(&mem, CArchive::load); ar >> x; }
 //
 //     CMemFile in(bytes, size);         // read a const buffer in place
-class CMemFile : public CFile
+class SCOREMODEL_API CMemFile : public CFile
 {
 public:
     // An empty, growable file.

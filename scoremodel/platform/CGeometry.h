@@ -9,21 +9,23 @@
 // Arithmetic wraps at 32 bits instead of overflowing, as on the platform.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
-struct POINT
+struct SCOREMODEL_API POINT
 {
     LONG x;
     LONG y;
 };
 
-struct SIZE
+struct SCOREMODEL_API SIZE
 {
     LONG cx;
     LONG cy;
 };
 
-struct RECT
+struct SCOREMODEL_API RECT
 {
     LONG left;
     LONG top;
@@ -45,7 +47,7 @@ class CSize;
 class CRect;
 
 // An extent: a width and a height, which may be negative.
-class CSize : public SIZE
+class SCOREMODEL_API CSize : public SIZE
 {
 public:
     CSize() : SIZE{0, 0} {}
@@ -74,7 +76,7 @@ public:
 };
 
 // A position in a plane of LONG coordinates.
-class CPoint : public POINT
+class SCOREMODEL_API CPoint : public POINT
 {
 public:
     CPoint() : POINT{0, 0} {}
@@ -114,7 +116,7 @@ public:
 };
 
 // A half-open rectangle (see the header comment).
-class CRect : public RECT
+class SCOREMODEL_API CRect : public RECT
 {
 public:
     CRect() : RECT{0, 0, 0, 0} {}

@@ -40,6 +40,8 @@
 // Threads. Not synchronised; the owner's lock guards a map.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArray.h>
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/CString.h>
@@ -52,7 +54,7 @@
 #include <utility>
 
 // Throws CInvalidArgException for a null POSITION given to GetNextAssoc.
-[[noreturn]] void CMapThrowNullPosition();
+[[noreturn]] SCOREMODEL_API void CMapThrowNullPosition();
 
 namespace CMapDetail
 {
@@ -132,7 +134,7 @@ inline BOOL CompareElements(const TYPE *pElement1, const ARG_TYPE *pElement2)
 }
 
 template <class KEY, class ARG_KEY, class VALUE, class ARG_VALUE>
-class CMap : public CObject
+class SCOREMODEL_API CMap : public CObject
 {
 public:
     typedef KEY BASE_KEY;
@@ -381,7 +383,7 @@ private:
 // ---- The concrete maps -----------------------------------------------------------
 
 // Untyped pointer to untyped pointer, keyed by address.
-class CMapPtrToPtr : public CMap<void *, void *, void *, void *>
+class SCOREMODEL_API CMapPtrToPtr : public CMap<void *, void *, void *, void *>
 {
     DECLARE_DYNAMIC(CMapPtrToPtr)
 
@@ -390,7 +392,7 @@ public:
 };
 
 // Wide text to untyped pointer. The map keeps its own copy of each key.
-class CMapStringToPtr : public CMap<CString, LPCTSTR, void *, void *>
+class SCOREMODEL_API CMapStringToPtr : public CMap<CString, LPCTSTR, void *, void *>
 {
     DECLARE_DYNAMIC(CMapStringToPtr)
 
@@ -415,7 +417,7 @@ public:
 // BASE_VALUE as CMap does; without them the façade takes KEY for the keys
 // and void * for the values.
 template <class BASE_CLASS, class KEY, class VALUE>
-class CTypedPtrMap : public BASE_CLASS
+class SCOREMODEL_API CTypedPtrMap : public BASE_CLASS
 {
     static_assert(std::is_pointer_v<VALUE>, "CTypedPtrMap maps to pointers");
 

@@ -14,6 +14,8 @@
 //   IMPLEMENT_SERIAL(ECNote, ECWithTime, VERSIONABLE_SCHEMA | 2)   // in the .cpp
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 class CArchive;
@@ -23,7 +25,7 @@ class CObject;
 // the stored one through CArchive::GetObjectSchema.
 #define VERSIONABLE_SCHEMA (0x80000000u)
 
-struct CRuntimeClass
+struct SCOREMODEL_API CRuntimeClass
 {
     LPCSTR m_lpszClassName;
     int m_nObjectSize;
@@ -50,7 +52,7 @@ struct CRuntimeClass
     static void Register(CRuntimeClass *pClass);
 };
 
-class CObject
+class SCOREMODEL_API CObject
 {
 public:
     static CRuntimeClass classCObject;
@@ -71,10 +73,10 @@ protected:
 
 // Reads an object of the expected class; used by the stream operators that
 // IMPLEMENT_SERIAL defines, so that this header need not include CArchive.h.
-CObject *AfxReadObjectOfClass(CArchive &ar, CRuntimeClass *pClassRefRequested);
+SCOREMODEL_API CObject *AfxReadObjectOfClass(CArchive &ar, CRuntimeClass *pClassRefRequested);
 
 // Registers a descriptor when the library is loaded.
-struct CClassInit
+struct SCOREMODEL_API CClassInit
 {
     explicit CClassInit(CRuntimeClass *pClass) { CRuntimeClass::Register(pClass); }
 };

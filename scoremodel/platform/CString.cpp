@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <cwctype>
+#include <locale.h>
+#include <wctype.h>
 
 namespace
 {
@@ -137,84 +140,30 @@ void EncodeUtf8(std::string &out, const wchar_t *s, size_t n)
 
 // ---- Character classes ------------------------------------------------------
 
-// Case mapping without the locale, so that sorting and matching of names do
-// not change with the host's language settings.
+// Case mapping of the whole of Unicode, as the C library knows it, under a
+// locale that is the same on every machine (C.UTF-8, built into the C
+// library), so that the host's locale never changes how names compare. Made
+// once and kept for the life of the process.
+locale_t CaseLocale()
+{
+    static const locale_t s_locale = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+    return s_locale;
+}
+
 wchar_t LowerW(wchar_t c)
 {
     if (c < 0x80)
         return (c >= L'A' && c <= L'Z') ? static_cast<wchar_t>(c + 32) : c;
-    if (c >= 0xC0 && c <= 0xDE && c != 0xD7)
-        return static_cast<wchar_t>(c + 32);
-    if (c >= 0x100 && c <= 0x17F)
-    {
-        if (c == 0x130)
-            return L'i';
-        if (c == 0x178)
-            return 0xFF;
-        if ((c <= 0x12F) || (c >= 0x132 && c <= 0x137) || (c >= 0x14A && c <= 0x177))
-            return (c % 2 == 0) ? static_cast<wchar_t>(c + 1) : c;
-        if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E))
-            return (c % 2 == 1) ? static_cast<wchar_t>(c + 1) : c;
-        return c;
-    }
-    if (c >= 0x386 && c <= 0x3A9)
-    {
-        if (c >= 0x391 && c != 0x3A2)
-            return static_cast<wchar_t>(c + 32);
-        if (c == 0x386)
-            return 0x3AC;
-        if (c >= 0x388 && c <= 0x38A)
-            return static_cast<wchar_t>(c + 37);
-        if (c == 0x38C)
-            return 0x3CC;
-        if (c == 0x38E || c == 0x38F)
-            return static_cast<wchar_t>(c + 63);
-        return c;
-    }
-    if (c >= 0x410 && c <= 0x42F)
-        return static_cast<wchar_t>(c + 32);
-    if (c >= 0x400 && c <= 0x40F)
-        return static_cast<wchar_t>(c + 80);
-    return c;
+    const locale_t locale = CaseLocale();
+    return locale ? static_cast<wchar_t>(::towlower_l(static_cast<wint_t>(c), locale)) : c;
 }
 
 wchar_t UpperW(wchar_t c)
 {
     if (c < 0x80)
         return (c >= L'a' && c <= L'z') ? static_cast<wchar_t>(c - 32) : c;
-    if (c >= 0xE0 && c <= 0xFE && c != 0xF7)
-        return static_cast<wchar_t>(c - 32);
-    if (c == 0xFF)
-        return 0x178;
-    if (c >= 0x100 && c <= 0x17F)
-    {
-        if (c == 0x131)
-            return L'I';
-        if ((c <= 0x12F) || (c >= 0x132 && c <= 0x137) || (c >= 0x14A && c <= 0x177))
-            return (c % 2 == 1) ? static_cast<wchar_t>(c - 1) : c;
-        if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E))
-            return (c % 2 == 0) ? static_cast<wchar_t>(c - 1) : c;
-        return c;
-    }
-    if (c >= 0x3AC && c <= 0x3CE)
-    {
-        if (c >= 0x3B1 && c <= 0x3C9)
-            return c == 0x3C2 ? 0x3A3 : static_cast<wchar_t>(c - 32);
-        if (c == 0x3AC)
-            return 0x386;
-        if (c >= 0x3AD && c <= 0x3AF)
-            return static_cast<wchar_t>(c - 37);
-        if (c == 0x3CC)
-            return 0x38C;
-        if (c == 0x3CD || c == 0x3CE)
-            return static_cast<wchar_t>(c - 63);
-        return c;
-    }
-    if (c >= 0x430 && c <= 0x44F)
-        return static_cast<wchar_t>(c - 32);
-    if (c >= 0x450 && c <= 0x45F)
-        return static_cast<wchar_t>(c - 80);
-    return c;
+    const locale_t locale = CaseLocale();
+    return locale ? static_cast<wchar_t>(::towupper_l(static_cast<wint_t>(c), locale)) : c;
 }
 
 char LowerA(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
@@ -513,7 +462,7 @@ public:
         switch (a.kind)
         {
         case CStringFormatArg::floating: v = a.d; break;
-        case CStringFormatArg::longFloating: v = a.ld; break;
+        case CStringFormatArg::longFloating: v = *a.ld; break;
         case CStringFormatArg::integer: v = static_cast<long double>(static_cast<LONGLONG>(a.bits)); break;
         case CStringFormatArg::unsignedInteger: v = static_cast<long double>(a.bits); break;
         default: Mismatch("a number");

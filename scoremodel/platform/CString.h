@@ -23,6 +23,8 @@
 //     std::string bytes = title.ToUtf8();
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/platform/Types.h>
 
@@ -37,7 +39,7 @@
 // One argument of CStringT::Format, captured with its type so that a format
 // and its arguments that disagree are caught instead of read as garbage.
 // Made by MakeFormatArg; not for other use.
-struct CStringFormatArg
+struct SCOREMODEL_API CStringFormatArg
 {
     enum Kind : unsigned char
     {
@@ -56,7 +58,10 @@ struct CStringFormatArg
     {
         ULONGLONG bits = 0;
         double d;
-        long double ld;
+        // A long double is held by address (the argument outlives the
+        // Format call): a long double in a union passed by value makes GCC
+        // print its x86-64 ABI change note in every host that formats.
+        const long double *ld;
         const char *narrow;
         const wchar_t *wide;
     };
@@ -69,7 +74,7 @@ template <typename T>
 CStringFormatArg MakeFormatArg(const T &value);
 
 template <typename XCHAR>
-class CStringT
+class SCOREMODEL_API CStringT
 {
     static_assert(std::is_same_v<XCHAR, char> || std::is_same_v<XCHAR, wchar_t>,
                   "CStringT exists for char and wchar_t only");
@@ -323,7 +328,7 @@ CStringFormatArg MakeFormatArg(const T &value)
     else if constexpr (std::is_same_v<D, long double>)
     {
         a.kind = CStringFormatArg::longFloating;
-        a.ld = value;
+        a.ld = &value;
     }
     else if constexpr (std::is_same_v<D, CStringT<char>>)
     {

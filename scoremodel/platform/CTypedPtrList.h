@@ -28,6 +28,8 @@
 // lack the operations nobody calls.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArray.h>
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/Types.h>
@@ -36,7 +38,7 @@
 #include <utility>
 
 template <class BASE_CLASS, class TYPE>
-class CTypedPtrList : public BASE_CLASS
+class SCOREMODEL_API CTypedPtrList : public BASE_CLASS
 {
     static_assert(std::is_pointer_v<TYPE>, "CTypedPtrList holds pointers");
 

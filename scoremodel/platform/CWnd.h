@@ -23,10 +23,12 @@
 // PostNcDestroy runs.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/Window.h>
 
-class CWnd : public CObject
+class SCOREMODEL_API CWnd : public CObject
 {
     DECLARE_DYNAMIC(CWnd)
 

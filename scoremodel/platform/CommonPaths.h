@@ -27,42 +27,44 @@
 // root of the file system. All functions are thread-safe.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Types.h>
 
 // ---- Folders ------------------------------------------------------------------
 
 // The folder of the user's files. It may not exist yet; writers create it.
-CString MCGetUserFolder();
+SCOREMODEL_API CString MCGetUserFolder();
 
 // The folder of the shipped data, or empty when none is found.
-CString MCGetDataFolder();
+SCOREMODEL_API CString MCGetDataFolder();
 
 // The data folder of an installed library at modulePath, by the install
 // layout: <dir>/../share/scoremodel, then <dir>/../../share/scoremodel. The
 // first that is an existing folder wins; empty when neither exists.
-CString MCGetDataFolderBeside(const CString &modulePath);
+SCOREMODEL_API CString MCGetDataFolderBeside(const CString &modulePath);
 
 // Makes a folder and its missing parents. TRUE when the folder exists
 // afterwards.
-BOOL MCCreateFolder(const CString &path);
+SCOREMODEL_API BOOL MCCreateFolder(const CString &path);
 
 // ---- Instrument files ---------------------------------------------------------
 
 // The folder of the application's instrument files: <data>/instruments.
-CString MCGetInstrumentPath();
+SCOREMODEL_API CString MCGetInstrumentPath();
 
 // The full path of the user's instrument file: <user>/TabInstruments.xml.
 // Writers save here; once it exists it takes precedence over the
 // application's file.
-CString MCGetUserTabInstrumentsPath();
+SCOREMODEL_API CString MCGetUserTabInstrumentsPath();
 
 // The full path of the application's instrument file, read when the user has
 // none: <data>/instruments/TabInstruments.xml.
-CString MCGetAppTabInstrumentsPath();
+SCOREMODEL_API CString MCGetAppTabInstrumentsPath();
 
 // ---- Files --------------------------------------------------------------------
 
 // TRUE when path names an existing regular file (following links). FALSE for
 // folders, missing files and the empty path.
-BOOL MCFileExists(const CString &path);
+SCOREMODEL_API BOOL MCFileExists(const CString &path);

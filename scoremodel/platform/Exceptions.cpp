@@ -52,8 +52,33 @@ int CFileException::OsErrorToCause(long osError)
     }
 }
 
+const char *CFileException::CauseText(int cause)
+{
+    switch (cause)
+    {
+    case none: return "no error";
+    case genericException: return "unspecified error";
+    case fileNotFound: return "file not found";
+    case badPath: return "invalid path";
+    case tooManyOpenFiles: return "too many open files";
+    case accessDenied: return "access denied";
+    case invalidFile: return "invalid file handle";
+    case removeCurrentDir: return "cannot remove the current folder";
+    case directoryFull: return "folder full";
+    case badSeek: return "cannot seek (not a regular file?)";
+    case hardIO: return "input/output error";
+    case sharingViolation: return "file in use";
+    case lockViolation: return "region locked";
+    case diskFull: return "disk full";
+    case endOfFile: return "end of file reached";
+    default: return "unknown cause";
+    }
+}
+
+// The reason is errno's text when there is one, else the cause's, so that
+// what() never ends at the file's name.
 CFileException::CFileException(int cause, long osError, const std::string &fileName)
-    : CException("file error on '" + fileName + "'" + (osError ? std::string(": ") + std::strerror((int)osError) : std::string())),
+    : CException("file error on '" + fileName + "': " + (osError ? std::strerror((int)osError) : CauseText(cause))),
       m_cause(cause), m_lOsError(osError), m_strFileName(fileName)
 {
 }

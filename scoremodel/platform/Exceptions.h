@@ -5,10 +5,12 @@
 // file errors. Out of memory is std::bad_alloc.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <exception>
 #include <string>
 
-class CException : public std::exception
+class SCOREMODEL_API CException : public std::exception
 {
 public:
     explicit CException(std::string message = "platform exception") : m_message(std::move(message)) {}
@@ -19,7 +21,7 @@ protected:
 };
 
 // A failure while storing or loading an archive. `m_cause` says which.
-class CArchiveException : public CException
+class SCOREMODEL_API CArchiveException : public CException
 {
 public:
     enum
@@ -43,21 +45,21 @@ public:
 };
 
 // An argument out of range: a bad array index, a null where an object is needed.
-class CInvalidArgException : public CException
+class SCOREMODEL_API CInvalidArgException : public CException
 {
 public:
     explicit CInvalidArgException(const std::string &detail = "invalid argument") : CException(detail) {}
 };
 
 // An operation the object does not support (a write to a read-only file).
-class CNotSupportedException : public CException
+class SCOREMODEL_API CNotSupportedException : public CException
 {
 public:
     explicit CNotSupportedException(const std::string &detail = "operation not supported") : CException(detail) {}
 };
 
 // A failure of the operating system's file interface. `m_lOsError` is errno.
-class CFileException : public CException
+class SCOREMODEL_API CFileException : public CException
 {
 public:
     enum
@@ -83,6 +85,9 @@ public:
 
     // The platform cause that best matches an errno value.
     static int OsErrorToCause(long osError);
+    // A short readable English reason for a cause ("disk full"); what()
+    // uses it when there is no errno.
+    static const char *CauseText(int cause);
 
     int m_cause;
     long m_lOsError;

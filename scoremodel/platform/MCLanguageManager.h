@@ -36,10 +36,12 @@
 // guards the tables.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Types.h>
 
-class MCLanguageManager
+class SCOREMODEL_API MCLanguageManager
 {
 public:
     // The id of the language that is chosen at start and filled in for

@@ -17,9 +17,11 @@
 // Pumping may nest: a window procedure may call ProcessPending or RunFor.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Window.h>
 
-class MCMessageLoop
+class SCOREMODEL_API MCMessageLoop
 {
 public:
     MCMessageLoop() = delete;

@@ -17,6 +17,8 @@
 // is thread-safe.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Types.h>
 
@@ -61,10 +63,10 @@ typedef int (*MCMessageBoxHandler)(const CString &text, unsigned type);
 
 // Installs handler and returns the one it replaces (null for the default).
 // Null restores the default.
-MCMessageBoxHandler MCSetMessageBoxHandler(MCMessageBoxHandler handler);
+SCOREMODEL_API MCMessageBoxHandler MCSetMessageBoxHandler(MCMessageBoxHandler handler);
 
 // Shows text through the handler and returns its answer.
-int MCMessageBox(const CString &text, unsigned type = MB_OK);
+SCOREMODEL_API int MCMessageBox(const CString &text, unsigned type = MB_OK);
 
 // The platform's name for the same call; the help id is ignored.
-int AfxMessageBox(const CString &text, UINT type = MB_OK, UINT helpId = 0);
+SCOREMODEL_API int AfxMessageBox(const CString &text, UINT type = MB_OK, UINT helpId = 0);

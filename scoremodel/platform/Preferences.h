@@ -23,22 +23,24 @@
 // All functions are thread-safe.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/platform/Types.h>
 
 // The value of key in section, or defaultValue when it is absent or unusable.
-int LoadIntPreference(const CString &section, const CString &key, int defaultValue);
+SCOREMODEL_API int LoadIntPreference(const CString &section, const CString &key, int defaultValue);
 
 // Stores value under key in section; the file holds it when this returns.
 // TRUE on success. FALSE, leaving the file as it was, when the folder or file
 // cannot be written, when the existing file exists but cannot be read (it is
 // not overwritten blindly), or when a name cannot be stored: an empty name,
 // a line break, or for a key an "=" or a leading "[", ";" or "#".
-BOOL SaveIntPreference(const CString &section, const CString &key, int value);
+SCOREMODEL_API BOOL SaveIntPreference(const CString &section, const CString &key, int value);
 
 // The preferences file: <user folder>/preferences.ini; empty when there is
 // no user folder.
-CString MCGetPreferencesPath();
+SCOREMODEL_API CString MCGetPreferencesPath();
 
 // ---- Testing --------------------------------------------------------------------
 

@@ -5,6 +5,8 @@
 // `unsigned long` and `long`, which stay 64 bits where a signature says so.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -49,7 +51,7 @@ typedef const void *LPCVOID;
 
 // An opaque iterator into a list: a pointer to one of its nodes. It stays
 // valid until that node is removed.
-struct __POSITION
+struct SCOREMODEL_API __POSITION
 {
 };
 typedef __POSITION *POSITION;

@@ -40,6 +40,8 @@
 // still queued for a window that is destroyed are dropped.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 // Opaque handles, declared as the platform does so that each is its own type.
@@ -86,7 +88,7 @@ typedef void (*TIMERPROC)(HWND hWnd, UINT message, UINT_PTR idEvent, DWORD dwTim
 // Builds a class "name" out of the atom that RegisterClassW returned.
 #define MAKEINTATOM(i) ((LPCWSTR)(UINT_PTR)((WORD)(i)))
 
-struct WNDCLASSW
+struct SCOREMODEL_API WNDCLASSW
 {
     UINT style;
     WNDPROC lpfnWndProc;
@@ -101,7 +103,7 @@ struct WNDCLASSW
 };
 
 // What WM_NCCREATE and WM_CREATE carry: the arguments of CreateWindowExW.
-struct CREATESTRUCTW
+struct SCOREMODEL_API CREATESTRUCTW
 {
     LPVOID lpCreateParams;
     HINSTANCE hInstance;
@@ -124,10 +126,10 @@ typedef CREATESTRUCTW *LPCREATESTRUCTW;
 // to case. Returns the class atom, or 0 when the class, its procedure or its
 // name is missing or a class of that name exists already. Only the procedure
 // and the name are used; the other fields are kept for the platform's sake.
-ATOM RegisterClassW(const WNDCLASSW *lpWndClass);
+SCOREMODEL_API ATOM RegisterClassW(const WNDCLASSW *lpWndClass);
 
 // Removes a class. FALSE when there is no such class or windows of it still exist.
-BOOL UnregisterClassW(LPCWSTR lpClassName, HINSTANCE hInstance);
+SCOREMODEL_API BOOL UnregisterClassW(LPCWSTR lpClassName, HINSTANCE hInstance);
 
 // ---- Windows --------------------------------------------------------------
 
@@ -144,27 +146,27 @@ HWND CreateWindowExW(DWORD dwExStyle, LPCWSTR lpClassName, LPCWSTR lpWindowName,
 // are dropped and pending sends to it from other threads return 0.
 // REQUIRES: the calling thread owns the window; FALSE otherwise, and for a
 // handle that names no window.
-BOOL DestroyWindow(HWND hWnd);
+SCOREMODEL_API BOOL DestroyWindow(HWND hWnd);
 
 // TRUE while the handle names a window, including during its WM_DESTROY and
 // WM_NCDESTROY; FALSE once DestroyWindow has finished, and for any other value.
-BOOL IsWindow(HWND hWnd);
+SCOREMODEL_API BOOL IsWindow(HWND hWnd);
 
 // The default answer: TRUE to WM_NCCREATE, 0 to everything else.
-LRESULT DefWindowProcW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
+SCOREMODEL_API LRESULT DefWindowProcW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
 
 // Reads and writes GWLP_USERDATA, a pointer-sized slot for the window's owner
 // object (0 at creation). The setter returns the previous value. Other indexes
 // and invalid windows read 0 and store nothing.
-LONG_PTR GetWindowLongPtrW(HWND hWnd, int nIndex);
-LONG_PTR SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
+SCOREMODEL_API LONG_PTR GetWindowLongPtrW(HWND hWnd, int nIndex);
+SCOREMODEL_API LONG_PTR SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
 
 // The thread that owns the window, or 0 for no window. *lpdwProcessId, when
 // given, receives the process id.
-DWORD GetWindowThreadProcessId(HWND hWnd, DWORD *lpdwProcessId);
+SCOREMODEL_API DWORD GetWindowThreadProcessId(HWND hWnd, DWORD *lpdwProcessId);
 
 // A small number naming the calling thread, never 0, never reused.
-DWORD GetCurrentThreadId();
+SCOREMODEL_API DWORD GetCurrentThreadId();
 
 // ---- Messages -------------------------------------------------------------
 
@@ -175,12 +177,12 @@ DWORD GetCurrentThreadId();
 // thread ends first. Returns 0 for a handle that names no window.
 // An exception thrown by the procedure reaches the caller on the owner thread;
 // a sender on another thread then gets 0.
-LRESULT SendMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
+SCOREMODEL_API LRESULT SendMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
 
 // Queues the message for the owner thread's next pump and returns TRUE.
 // FALSE, with nothing queued, when the handle names no window; thread
 // messages (a null window) are not supported and also give FALSE.
-BOOL PostMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
+SCOREMODEL_API BOOL PostMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
 
 // ---- Timers ---------------------------------------------------------------
 
@@ -191,8 +193,8 @@ BOOL PostMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
 // callback and restarts its clock; nothing else restarts it. The period is
 // clamped to USER_TIMER_MINIMUM..USER_TIMER_MAXIMUM.
 // Returns nIDEvent, or 0 when the handle names no window or nIDEvent is 0.
-UINT_PTR SetTimer(HWND hWnd, UINT_PTR nIDEvent, UINT uElapse, TIMERPROC lpTimerFunc);
+SCOREMODEL_API UINT_PTR SetTimer(HWND hWnd, UINT_PTR nIDEvent, UINT uElapse, TIMERPROC lpTimerFunc);
 
 // Stops the timer; no WM_TIMER of it arrives afterwards. FALSE when the window
 // has no such timer.
-BOOL KillTimer(HWND hWnd, UINT_PTR uIDEvent);
+SCOREMODEL_API BOOL KillTimer(HWND hWnd, UINT_PTR uIDEvent);

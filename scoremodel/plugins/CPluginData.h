@@ -24,12 +24,14 @@
 // has no lock.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 
 class DCBase;
 class ECBase;
 
-class CPluginData
+class SCOREMODEL_API CPluginData
 {
 public:
     // Rows (view codes) and columns (event types) of the table.

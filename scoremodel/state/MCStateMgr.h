@@ -23,13 +23,15 @@
 // lists are not locked: they belong to the document thread.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/MCFuncList.h>
 #include <scoremodel/platform/Window.h>
 
 class ECPerformance;
 class SCBase;
 
-class MCStateMgr
+class SCOREMODEL_API MCStateMgr
 {
 public:
     // The message that carries a record; the long parameter is the SCBase *.

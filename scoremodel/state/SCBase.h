@@ -16,11 +16,13 @@
 // preferences record (SCPrefs). Others are the host's to choose.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
 class ECPerformance;
 
-class SCBase
+class SCOREMODEL_API SCBase
 {
 public:
     explicit SCBase(unsigned int code = 0) : m_bAutoDelete(1), m_bSynchronous(0), m_nCode(code & 0xFFFFFF) {}

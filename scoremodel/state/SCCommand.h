@@ -8,10 +8,12 @@
 // for as long as the record lives.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/state/SCBase.h>
 
-class SCCommand : public SCBase
+class SCOREMODEL_API SCCommand : public SCBase
 {
 public:
     enum : unsigned int

@@ -1,9 +1,11 @@
 // SCEdit: tells the host which pitch an edit played or chose.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/state/SCBase.h>
 
-class SCEdit : public SCBase
+class SCOREMODEL_API SCEdit : public SCBase
 {
 public:
     explicit SCEdit(unsigned int code = 0) : SCBase(code) {}

@@ -1,11 +1,13 @@
 // SCFile: tells the host about a file operation on a document object.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/state/SCBase.h>
 
 class CObject;
 
-class SCFile : public SCBase
+class SCOREMODEL_API SCFile : public SCBase
 {
 public:
     explicit SCFile(unsigned int code = 0) : SCBase(code) {}

@@ -2,9 +2,11 @@
 // changed; the record carries nothing else.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/state/SCBase.h>
 
-class SCLayout : public SCBase
+class SCOREMODEL_API SCLayout : public SCBase
 {
 public:
     SCLayout() = default;

@@ -11,11 +11,13 @@
 // statics belong to the state thread.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/state/SCBase.h>
 
 class ECBase;
 
-class SCMode : public SCBase
+class SCOREMODEL_API SCMode : public SCBase
 {
 public:
     // Supplies the event of an event type when no drawing event is set.

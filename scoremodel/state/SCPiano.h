@@ -1,10 +1,12 @@
 // SCPiano: the keys a piano view lights up and lets go, and its labels.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CArray.h>
 #include <scoremodel/state/SCBase.h>
 
-class SCPiano : public SCBase
+class SCOREMODEL_API SCPiano : public SCBase
 {
 public:
     explicit SCPiano(unsigned int code = 0) : SCBase(code) {}

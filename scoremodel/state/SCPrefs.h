@@ -6,9 +6,11 @@
 // handlers see the record.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/state/SCBase.h>
 
-class SCPrefs : public SCBase
+class SCOREMODEL_API SCPrefs : public SCBase
 {
 public:
     enum : unsigned int

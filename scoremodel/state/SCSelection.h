@@ -14,11 +14,13 @@
 // preferences).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/platform/Window.h>
 #include <scoremodel/state/SCBase.h>
 
-class SCSelection : public SCBase
+class SCOREMODEL_API SCSelection : public SCBase
 {
 public:
     typedef CTypedPtrList<MCEventList, ECBase *> EventList;

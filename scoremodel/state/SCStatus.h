@@ -5,10 +5,12 @@
 // of long actions running, which it shows as busy while above 0.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CString.h>
 #include <scoremodel/state/SCBase.h>
 
-class SCStatus : public SCBase
+class SCOREMODEL_API SCStatus : public SCBase
 {
 public:
     explicit SCStatus(unsigned int code = 0) : SCBase(code) {}

@@ -5,10 +5,12 @@
 // tell its own echo from a move made elsewhere.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/state/SCBase.h>
 
-class SCTime : public SCBase
+class SCOREMODEL_API SCTime : public SCBase
 {
 public:
     explicit SCTime(unsigned int code = 0) : SCBase(code), m_time(MCTime::TimeNull()) {}

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -239,4 +240,21 @@ TEST(CMemFile, AConstBufferIsReadOnly)
     EXPECT_EQ(mem.Read(out, 3), 3u);
     EXPECT_EQ(FileCause([&] { mem.Write(out, 1); }), CFileException::accessDenied);
     EXPECT_EQ(FileCause([&] { mem.SetLength(0); }), CFileException::accessDenied);
+}
+
+// Every cause reads as a reason of its own, with or without an errno.
+TEST(CFileExceptionTest, EveryCauseGivesAReadableReason)
+{
+    std::set<std::string> reasons;
+    for (int cause = CFileException::none; cause <= CFileException::endOfFile; ++cause)
+    {
+        const CFileException e(cause, 0, "x.smd");
+        const std::string text = e.what();
+        const std::string prefix = "file error on 'x.smd': ";
+        ASSERT_EQ(text.rfind(prefix, 0), 0u) << text;
+        EXPECT_GT(text.size(), prefix.size() + 4) << cause;
+        EXPECT_TRUE(reasons.insert(text).second) << "two causes read alike: " << text;
+    }
+    EXPECT_NE(std::string(CFileException(CFileException::badSeek, ENOSPC, "x").what()).find(std::strerror(ENOSPC)),
+              std::string::npos);
 }

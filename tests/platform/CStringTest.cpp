@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 #include <cwchar>
 #include <map>
 #include <string>
@@ -232,6 +234,55 @@ TEST(CStringEdit, CaseMappingCoversAccentedGreekAndCyrillicLetters)
     EXPECT_EQ(L"STRA\u00dfE \u00d7", W(CString(L"stra\u00dfe \u00d7").MakeUpper())) << "no letter for \u00df; \u00d7 is no letter";
     EXPECT_STREQ("ABC\xc3\xa4", CStringA("abc\xc3\xa4").MakeUpper().GetString()) << "narrow mapping must not break UTF-8";
     EXPECT_EQ(L"\U0001F3B5cba", W(CString(L"abc\U0001F3B5").MakeReverse()));
+}
+
+// Case pairs from every script that has case, inside and outside the Basic
+// Multilingual Plane; each maps both ways and compares equal without case.
+TEST(CStringEdit, CaseMappingCoversEveryCasedScript)
+{
+    const struct
+    {
+        const wchar_t *upper, *lower;
+    } pairs[] = {
+        {L"\u0490", L"\u0491"},         // Ukrainian ghe with upturn
+        {L"\u0531\u0532", L"\u0561\u0562"}, // Armenian
+        {L"\uFF21\uFF3A", L"\uFF41\uFF5A"}, // fullwidth Latin
+        {L"\u0181\u01C4", L"\u0253\u01C6"}, // Latin Extended-B
+        {L"\u1E00\u1EA0", L"\u1E01\u1EA1"}, // Latin Extended Additional
+        {L"\u1F08", L"\u1F00"},         // Greek Extended
+        {L"\u10A0", L"\u2D00"},         // Georgian
+        {L"\u13A0", L"\uAB70"},         // Cherokee
+        {L"\u2C00", L"\u2C30"},         // Glagolitic
+        {L"\u0500", L"\u0501"},         // Cyrillic Supplement
+        {L"\U00010400", L"\U00010428"}, // Deseret
+        {L"\U0001E900", L"\U0001E922"}, // Adlam
+    };
+    for (const auto &p : pairs)
+    {
+        const std::string name = CString(p.upper).ToUtf8();
+        EXPECT_EQ(std::wstring(p.lower), W(CString(p.upper).MakeLower())) << name;
+        EXPECT_EQ(std::wstring(p.upper), W(CString(p.lower).MakeUpper())) << name;
+        EXPECT_EQ(CString(p.upper).CompareNoCase(p.lower), 0) << name;
+    }
+    // Letters without case and other characters stay as they are.
+    const std::wstring caseless = L"7 \u00d7 \u4e2d \u05d0 \u0627 \U0001F3B5";
+    EXPECT_EQ(caseless, W(CString(caseless.c_str()).MakeUpper()));
+    EXPECT_EQ(caseless, W(CString(caseless.c_str()).MakeLower()));
+}
+
+// The host's locale does not change the mapping (a Turkish locale would map
+// I to dotless i).
+TEST(CStringEdit, CaseMappingIgnoresTheHostsLocale)
+{
+    const std::string saved = std::setlocale(LC_ALL, nullptr);
+    for (const char *name : {"tr_TR.UTF-8", "C.UTF-8", "C"})
+    {
+        if (!std::setlocale(LC_ALL, name))
+            continue;
+        EXPECT_EQ(L"istanbul \u0491", W(CString(L"ISTANBUL \u0490").MakeLower())) << name;
+        EXPECT_EQ(CString(L"\u0531").CompareNoCase(L"\u0561"), 0) << name;
+    }
+    std::setlocale(LC_ALL, saved.c_str());
 }
 
 // ---- Comparison and hashing ---------------------------------------------------------------

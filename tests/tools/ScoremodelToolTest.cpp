@@ -108,3 +108,83 @@ TEST_F(ScoremodelToolTest, WrongCommandLinesAndMissingFilesFail)
     }
     EXPECT_EQ(Tool("--help").code, 0);
 }
+
+TEST_F(ScoremodelToolTest, EveryKindOfInputIsReadTheSameWay)
+{
+    const std::string file = (m_dir / "demo.smd").string();
+    ASSERT_EQ(Tool("demo '" + file + "'").code, 0);
+    const std::string padded = (m_dir / "padded.smd").string();
+    fs::copy_file(file, padded);
+    std::ofstream(padded, std::ios::app) << "tail";
+
+    const struct
+    {
+        std::string arguments;
+        int code;
+        const char *needle; // in stdout on success, in stderr on failure
+    } cases[] = {
+        {"info '" + file + "'", 0, "document version 20"},
+        {"info - <'" + file + "'", 0, "standard input: document version 20"},
+        {"info /dev/stdin <'" + file + "'", 0, "document version 20"},
+        {"info - < /dev/null", 1, "standard input"},
+        {"info '" + padded + "'", 1, "padded.smd"},
+        {"info - <'" + padded + "'", 1, "standard input"},
+        {"dump /dev/stdin <'" + padded + "'", 1, "/dev/stdin"},
+        {"info '" + m_dir.string() + "'", 1, "directory"},
+    };
+    for (const auto &c : cases)
+    {
+        ToolRun run = Tool(c.arguments);
+        EXPECT_EQ(run.code, c.code) << c.arguments << "\n" << run.err;
+        EXPECT_NE((c.code ? run.err : run.out).find(c.needle), std::string::npos) << c.arguments << "\n" << run.err;
+        if (c.code)
+            EXPECT_TRUE(run.out.empty()) << c.arguments;
+    }
+}
+
+TEST_F(ScoremodelToolTest, PipedInputsAreReadAsFilesAre)
+{
+    const std::string file = (m_dir / "demo.smd").string();
+    ASSERT_EQ(Tool("demo '" + file + "'").code, 0);
+#ifdef SCOREMODEL_TOOL
+    const std::string tool = std::string("'") + SCOREMODEL_TOOL + "'";
+    const std::string out = (m_dir / "out").string();
+    // A pipe holding the document, then the document with bytes behind it.
+    EXPECT_EQ(std::system(("cat '" + file + "' | " + tool + " info - >'" + out + "' 2>&1").c_str()), 0) << Slurp(out);
+    EXPECT_NE(std::system(("(cat '" + file + "'; echo tail) | " + tool + " info /dev/stdin >'" + out + "' 2>&1").c_str()),
+              0);
+    EXPECT_NE(Slurp(out).find("/dev/stdin"), std::string::npos) << Slurp(out);
+#endif
+}
+
+TEST_F(ScoremodelToolTest, FailedWritesAndSavesSayWhatFailed)
+{
+    const std::string file = (m_dir / "demo.smd").string();
+    ASSERT_EQ(Tool("demo '" + file + "'").code, 0);
+    if (fs::exists("/dev/full"))
+    {
+#ifdef SCOREMODEL_TOOL
+        const std::string err = (m_dir / "err").string();
+        for (const std::string command : {"dump", "info"})
+        {
+            const int status = std::system((std::string("'") + SCOREMODEL_TOOL + "' " + command + " '" + file +
+                                            "' >/dev/full 2>'" + err + "'")
+                                               .c_str());
+            EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 1) << command;
+            EXPECT_NE(Slurp(err).find("cannot write the output"), std::string::npos) << Slurp(err);
+        }
+#endif
+    }
+    // A save into a missing folder names the file asked for, not its
+    // temporary neighbour.
+    const std::string target = (m_dir / "missing" / "x.smd").string();
+    ToolRun save = Tool("demo '" + target + "'");
+    EXPECT_EQ(save.code, 1);
+    EXPECT_NE(save.err.find("'" + target + "'"), std::string::npos) << save.err;
+    EXPECT_EQ(save.err.find(".tmp-"), std::string::npos) << save.err;
+
+    ToolRun help = Tool("--help");
+    EXPECT_EQ(help.code, 0);
+    for (const char *word : {"Exit codes", "SCOREMODEL_DATA_DIR", "SCOREMODEL_USER_DIR", "SCOREMODEL_NODE_POOL"})
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+}

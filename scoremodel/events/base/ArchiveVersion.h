@@ -18,6 +18,8 @@
 // at a time (the active performance is process-wide).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 // The versions at which a record's layout changed.
 enum ArchiveVersionThreshold : int
 {
@@ -41,9 +43,9 @@ enum ArchiveVersionThreshold : int
 };
 
 // The version of the document being loaded, or 0x7FFFFFFF.
-int ActiveArchiveVersion();
+SCOREMODEL_API int ActiveArchiveVersion();
 
 // Installs the function that answers ActiveArchiveVersion (null: none);
 // returns the one installed before, so a caller can put it back.
 typedef int (*ARCHIVEVERSIONFUNC)();
-ARCHIVEVERSIONFUNC SetActiveArchiveVersionSource(ARCHIVEVERSIONFUNC source);
+SCOREMODEL_API ARCHIVEVERSIONFUNC SetActiveArchiveVersionSource(ARCHIVEVERSIONFUNC source);

@@ -18,12 +18,14 @@
 // No lock: an attachment belongs to the thread that owns its event.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/FCInt.h>
 #include <scoremodel/platform/CObject.h>
 
 class ECBase;
 
-class DCBase : public CObject
+class SCOREMODEL_API DCBase : public CObject
 {
     DECLARE_SERIAL(DCBase)
 

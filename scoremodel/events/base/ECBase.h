@@ -42,6 +42,8 @@
 // cleared; the count and the hit marks are never stored.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/base/MCDataArray.h>
 #include <scoremodel/events/base/MCEventList.h>
@@ -56,7 +58,7 @@ class CArchive;
 class DCBase;
 class MCTime;
 
-class ECBase : public CObject
+class SCOREMODEL_API ECBase : public CObject
 {
     DECLARE_SERIAL(ECBase)
 

@@ -21,9 +21,11 @@
 // child list (MCEventList::SerializeFromParent).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 
-class ECWithChild : public ECBase
+class SCOREMODEL_API ECWithChild : public ECBase
 {
     DECLARE_SERIAL(ECWithChild)
 

@@ -13,10 +13,12 @@
 // document's version), then the voice/track word as a WORD.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECBase.h>
 
-class ECWithTime : public ECBase
+class SCOREMODEL_API ECWithTime : public ECBase
 {
     DECLARE_SERIAL(ECWithTime)
 

@@ -9,10 +9,12 @@
 // time), then the time and the voice/track word as in ECWithTime.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithChild.h>
 
-class ECWithTimeChild : public ECWithChild
+class SCOREMODEL_API ECWithTimeChild : public ECWithChild
 {
     DECLARE_SERIAL(ECWithTimeChild)
 

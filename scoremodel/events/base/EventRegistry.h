@@ -16,6 +16,8 @@
 //     ECBase *pNote = CreateEventW(EVENT_ID_NOTE);   // count 0: Ref it to keep it
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/platform/CObject.h>
 
@@ -23,12 +25,12 @@ class ECBase;
 
 // The run-time class of an id the registry serves; null for any other id
 // (negative ones and those above 78 included) and for a class not built.
-CRuntimeClass *GetEventRuntimeClass(int id);
+SCOREMODEL_API CRuntimeClass *GetEventRuntimeClass(int id);
 
 // A new event of the id's class, with reference count 0; null where
 // GetEventRuntimeClass gives null.
-ECBase *CreateEventW(int id);
+SCOREMODEL_API ECBase *CreateEventW(int id);
 
 // The class name of an id in the table, served or not ("ECNote" for 37);
 // null for an id that belongs to no class.
-const char *GetEventClassName(int id);
+SCOREMODEL_API const char *GetEventClassName(int id);

@@ -8,9 +8,11 @@
 // Archive record: the two bytes, enabled first.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 
-class LCBase : public CObject
+class SCOREMODEL_API LCBase : public CObject
 {
     DECLARE_SERIAL(LCBase)
 

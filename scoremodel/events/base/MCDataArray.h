@@ -26,12 +26,14 @@
 // No lock: the array belongs to the thread that owns its event.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/Types.h>
 
 class DCBase;
 
-class MCDataArray : public CObject
+class SCOREMODEL_API MCDataArray : public CObject
 {
     DECLARE_SERIAL(MCDataArray)
 

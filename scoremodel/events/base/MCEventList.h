@@ -29,6 +29,8 @@
 // SerializeFromParent, which also rebuilds the children's parent links.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/MCObList.h>
 #include <scoremodel/platform/CArray.h>
 #include <scoremodel/platform/CTypedPtrList.h>
@@ -37,7 +39,7 @@ class ECBase;
 class MCEventList;
 class MCTime;
 
-class MCEventList : public MCObList
+class SCOREMODEL_API MCEventList : public MCObList
 {
     DECLARE_SERIAL(MCEventList)
 

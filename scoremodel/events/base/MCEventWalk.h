@@ -23,11 +23,13 @@
 // actions exist, callers may move to them without any change of result.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <vector>
 
 class ECBase;
 
-class MCEventWalk
+class SCOREMODEL_API MCEventWalk
 {
 public:
     // The first event of `id` from `start` (included). `depth` levels at most

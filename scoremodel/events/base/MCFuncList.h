@@ -23,6 +23,8 @@
 // No lock: the list belongs to the thread that owns its document.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/MCPtrList.h>
 
 #include <cstddef>
@@ -30,7 +32,7 @@
 
 class ECBase;
 
-class MCFuncList : public MCPtrList
+class SCOREMODEL_API MCFuncList : public MCPtrList
 {
 public:
     typedef int (*CALLBACK_FUNC)(ECBase *document, int code, void *argument, void *userData);

@@ -1,9 +1,29 @@
 #include <scoremodel/events/base/MCNodePool.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <new>
 #include <pthread.h>
 #include <vector>
+
+bool MCNodePool::UsesHeap()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return true;
+#endif
+#endif
+    // Read once, before the first node: a node must go back the way it came.
+    static const bool s_heap = [] {
+        const char *value = std::getenv("SCOREMODEL_NODE_POOL");
+        return value && (std::strcmp(value, "heap") == 0 || std::strcmp(value, "off") == 0 ||
+                         std::strcmp(value, "0") == 0);
+    }();
+    return s_heap;
+}
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SCOREMODEL_NODE_POOL_OFF 1
@@ -194,6 +214,8 @@ void Spill(Local &local)
 
 void *MCNodePool::Allocate()
 {
+    if (UsesHeap()) [[unlikely]]
+        return ::operator new(kBlockSize);
     Local &local = t_local;
     if (!local.current) [[unlikely]]
         Refill(local);
@@ -210,6 +232,11 @@ void MCNodePool::Free(void *block) noexcept
 {
     if (!block)
         return;
+    if (UsesHeap()) [[unlikely]]
+    {
+        ::operator delete(block);
+        return;
+    }
     Local &local = t_local;
     if (local.count >= kBatch || !local.registered) [[unlikely]]
     {

@@ -20,7 +20,11 @@
 // that were ever alive at once, for the life of the process.
 //
 // Under the address sanitizer the pool steps aside and every node comes from
-// the heap, so that a node used after it was freed is still reported.
+// the heap, so that a node used after it was freed is still reported. A host
+// can ask the same of a normal build with SCOREMODEL_NODE_POOL=heap in the
+// environment (read once, at the first node): then valgrind and LeakSanitizer
+// see every node, and a host's own leaked subtree shows up as leaked memory
+// instead of hiding in the pool's chunks.
 #pragma once
 
 #include <cstddef>
@@ -40,4 +44,8 @@ public:
     // Nodes in every chunk the pool has made, free or not (0 when the pool
     // steps aside).
     static size_t GetReservedCount();
+
+    // True when every node comes from the heap (under the address sanitizer,
+    // or with SCOREMODEL_NODE_POOL set to "heap", "off" or "0").
+    static bool UsesHeap();
 };

@@ -28,9 +28,11 @@
 // WriteObject; loading appends with AddTail.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 
-class MCObList : public CObject
+class SCOREMODEL_API MCObList : public CObject
 {
     DECLARE_SERIAL(MCObList)
 

@@ -11,10 +11,12 @@
 // are linear. No lock: a list belongs to the thread that owns it.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/CObject.h>
 #include <scoremodel/platform/Types.h>
 
-class MCPtrList
+class SCOREMODEL_API MCPtrList
 {
 public:
     struct Node

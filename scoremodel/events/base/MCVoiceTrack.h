@@ -13,9 +13,11 @@
 // A plain value: no lock, copy freely.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/platform/Types.h>
 
-class MCVoiceTrack
+class SCOREMODEL_API MCVoiceTrack
 {
 public:
     // Voice 15, track 0x7FF: raw 0x7FFF.

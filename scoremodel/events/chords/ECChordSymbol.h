@@ -7,10 +7,12 @@
 // Archive record: that of ECWithTime.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithTime.h>
 
-class ECChordSymbol : public ECWithTime
+class SCOREMODEL_API ECChordSymbol : public ECWithTime
 {
     DECLARE_SERIAL(ECChordSymbol)
 

@@ -17,9 +17,11 @@
 // not archived and come back 0 from a load; the others nothing.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 
-class ECControllerEnv : public ECEnvelope
+class SCOREMODEL_API ECControllerEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECControllerEnv)
 
@@ -57,7 +59,7 @@ protected:
     ~ECControllerEnv() override;
 };
 
-class ECPatchEnv : public ECEnvelope
+class SCOREMODEL_API ECPatchEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPatchEnv)
 
@@ -98,7 +100,7 @@ protected:
     ~ECPatchEnv() override;
 };
 
-class ECPitchBendEnv : public ECEnvelope
+class SCOREMODEL_API ECPitchBendEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPitchBendEnv)
 
@@ -125,7 +127,7 @@ protected:
     ~ECPitchBendEnv() override;
 };
 
-class ECChanPressureEnv : public ECEnvelope
+class SCOREMODEL_API ECChanPressureEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECChanPressureEnv)
 
@@ -152,7 +154,7 @@ protected:
     ~ECChanPressureEnv() override;
 };
 
-class ECPolyPressureEnv : public ECEnvelope
+class SCOREMODEL_API ECPolyPressureEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECPolyPressureEnv)
 
@@ -185,7 +187,7 @@ protected:
     BYTE m_key = 0;
 };
 
-class ECRPNEnv : public ECEnvelope
+class SCOREMODEL_API ECRPNEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECRPNEnv)
 
@@ -229,7 +231,7 @@ protected:
     BYTE m_typeLSB = 0;
 };
 
-class ECNRPNEnv : public ECEnvelope
+class SCOREMODEL_API ECNRPNEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECNRPNEnv)
 

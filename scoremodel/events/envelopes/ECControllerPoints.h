@@ -28,9 +28,11 @@
 // bend and pressure points nothing.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECControlChange : public ECEnvPoint
+class SCOREMODEL_API ECControlChange : public ECEnvPoint
 {
     DECLARE_SERIAL(ECControlChange)
 
@@ -61,7 +63,7 @@ protected:
     BYTE m_controllerNum = 0;
 };
 
-class ECBankLSB : public ECControlChange
+class SCOREMODEL_API ECBankLSB : public ECControlChange
 {
     DECLARE_SERIAL(ECBankLSB)
 
@@ -87,7 +89,7 @@ protected:
     ~ECBankLSB() override;
 };
 
-class ECBankMSB : public ECControlChange
+class SCOREMODEL_API ECBankMSB : public ECControlChange
 {
     DECLARE_SERIAL(ECBankMSB)
 
@@ -113,7 +115,7 @@ protected:
     ~ECBankMSB() override;
 };
 
-class ECChannelMode : public ECControlChange
+class SCOREMODEL_API ECChannelMode : public ECControlChange
 {
     DECLARE_SERIAL(ECChannelMode)
 
@@ -149,7 +151,7 @@ protected:
     BYTE m_channelModeType = 5;
 };
 
-class ECPan : public ECControlChange
+class SCOREMODEL_API ECPan : public ECControlChange
 {
     DECLARE_SERIAL(ECPan)
 
@@ -175,7 +177,7 @@ protected:
     ~ECPan() override;
 };
 
-class ECProgramChange : public ECEnvPoint
+class SCOREMODEL_API ECProgramChange : public ECEnvPoint
 {
     DECLARE_SERIAL(ECProgramChange)
 
@@ -209,7 +211,7 @@ protected:
     BYTE m_bankLSB = 0;
 };
 
-class ECPitchBend : public ECEnvPoint
+class SCOREMODEL_API ECPitchBend : public ECEnvPoint
 {
     DECLARE_SERIAL(ECPitchBend)
 
@@ -235,7 +237,7 @@ protected:
     ~ECPitchBend() override;
 };
 
-class ECChannelPressure : public ECEnvPoint
+class SCOREMODEL_API ECChannelPressure : public ECEnvPoint
 {
     DECLARE_SERIAL(ECChannelPressure)
 
@@ -261,7 +263,7 @@ protected:
     ~ECChannelPressure() override;
 };
 
-class ECPolyPressure : public ECEnvPoint
+class SCOREMODEL_API ECPolyPressure : public ECEnvPoint
 {
     DECLARE_SERIAL(ECPolyPressure)
 
@@ -292,7 +294,7 @@ protected:
     ~ECPolyPressure() override;
 };
 
-class ECRPNPoint : public ECEnvPoint
+class SCOREMODEL_API ECRPNPoint : public ECEnvPoint
 {
     DECLARE_SERIAL(ECRPNPoint)
 
@@ -333,7 +335,7 @@ protected:
     BYTE m_value2 = 0;
 };
 
-class ECNRPNPoint : public ECEnvPoint
+class SCOREMODEL_API ECNRPNPoint : public ECEnvPoint
 {
     DECLARE_SERIAL(ECNRPNPoint)
 

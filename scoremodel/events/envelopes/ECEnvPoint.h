@@ -14,11 +14,13 @@
 // anchor head with style 1, hand 0, and the value as constructed.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTime.h>
 
 class ECEnvelope;
 
-class ECEnvPoint : public ECWithTime
+class SCOREMODEL_API ECEnvPoint : public ECWithTime
 {
     DECLARE_SERIAL(ECEnvPoint)
 

@@ -48,6 +48,8 @@
 // point is a corrupt file (CArchiveException).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithTimeChild.h>
 #include <scoremodel/events/base/MCPtrList.h>
@@ -69,9 +71,9 @@ typedef CTypedPtrList<MCPtrList, EVALUE *> EValueList;
 
 // The line through (x1, y1) and (x2, y2): scale and offset; both 0 when x1
 // equals x2.
-void SetScaleParams(float x1, float x2, float y1, float y2, float &scale, float &offset);
+SCOREMODEL_API void SetScaleParams(float x1, float x2, float y1, float y2, float &scale, float &offset);
 
-class ECEnvelope : public ECWithTimeChild
+class SCOREMODEL_API ECEnvelope : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECEnvelope)
 

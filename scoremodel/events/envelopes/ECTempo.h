@@ -33,6 +33,8 @@
 // float pause percent (read from version 3 on; older files keep 100).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 #include <scoremodel/platform/CString.h>
@@ -50,7 +52,7 @@ int GetTempoValue(int type);
 // exceeds `bpm`; 2 when the first already does, 20 when none does.
 int GetTempoType(int bpm);
 
-class ECTempo : public ECEnvPoint
+class SCOREMODEL_API ECTempo : public ECEnvPoint
 {
     DECLARE_SERIAL(ECTempo)
 

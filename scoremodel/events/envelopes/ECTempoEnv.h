@@ -42,11 +42,13 @@
 // Archive record: that of ECEnvelope; loading recalculates the clock.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 
 class ECTempo;
 
-class ECTempoEnv : public ECEnvelope
+class SCOREMODEL_API ECTempoEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECTempoEnv)
 

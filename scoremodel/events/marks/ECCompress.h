@@ -5,10 +5,12 @@
 // Archive record: that of ECEnvPoint, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECCompress : public ECEnvPoint
+class SCOREMODEL_API ECCompress : public ECEnvPoint
 {
     DECLARE_SERIAL(ECCompress)
 

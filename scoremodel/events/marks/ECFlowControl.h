@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECFlowControl : public ECWithTimeChild
+class SCOREMODEL_API ECFlowControl : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECFlowControl)
 

@@ -5,10 +5,12 @@
 // Archive record: that of ECControlChange, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 
-class ECPedal : public ECControlChange
+class SCOREMODEL_API ECPedal : public ECControlChange
 {
     DECLARE_SERIAL(ECPedal)
 

@@ -5,10 +5,12 @@
 // Archive record: that of ECEnvPoint, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECTranspose : public ECEnvPoint
+class SCOREMODEL_API ECTranspose : public ECEnvPoint
 {
     DECLARE_SERIAL(ECTranspose)
 

@@ -5,10 +5,12 @@
 // Archive record: that of ECText, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/media/ECText.h>
 
-class ECLyric : public ECText
+class SCOREMODEL_API ECLyric : public ECText
 {
     DECLARE_SERIAL(ECLyric)
 

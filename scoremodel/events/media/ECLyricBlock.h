@@ -3,9 +3,11 @@
 // Archive record: that of ECLyric.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/media/ECLyric.h>
 
-class ECLyricBlock : public ECLyric
+class SCOREMODEL_API ECLyricBlock : public ECLyric
 {
     DECLARE_SERIAL(ECLyricBlock)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTime.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTime.h>
 
-class ECText : public ECWithTime
+class SCOREMODEL_API ECText : public ECWithTime
 {
     DECLARE_SERIAL(ECText)
 

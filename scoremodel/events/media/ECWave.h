@@ -5,10 +5,12 @@
 // Archive record: that of ECWithTimeChild, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECWave : public ECWithTimeChild
+class SCOREMODEL_API ECWave : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECWave)
 

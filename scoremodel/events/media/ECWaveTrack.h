@@ -7,9 +7,11 @@
 // Archive record: that of ECTrack.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/structure/ECTrack.h>
 
-class ECWaveTrack : public ECTrack
+class SCOREMODEL_API ECWaveTrack : public ECTrack
 {
     DECLARE_SERIAL(ECWaveTrack)
 

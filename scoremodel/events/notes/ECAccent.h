@@ -17,9 +17,11 @@
 // Archive record: that of ECBase, then the type as one raw byte.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 
-class ECAccent : public ECBase
+class SCOREMODEL_API ECAccent : public ECBase
 {
     DECLARE_SERIAL(ECAccent)
 

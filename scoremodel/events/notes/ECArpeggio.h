@@ -3,9 +3,11 @@
 // Archive record: that of ECBase.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 
-class ECArpeggio : public ECBase
+class SCOREMODEL_API ECArpeggio : public ECBase
 {
     DECLARE_SERIAL(ECArpeggio)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECGroup.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/notes/ECGroup.h>
 
-class ECBeam : public ECGroup
+class SCOREMODEL_API ECBeam : public ECGroup
 {
     DECLARE_SERIAL(ECBeam)
 

@@ -4,9 +4,11 @@
 // Archive record: that of ECBase.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 
-class ECBrac : public ECBase
+class SCOREMODEL_API ECBrac : public ECBase
 {
     DECLARE_SERIAL(ECBrac)
 

@@ -4,9 +4,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECChord : public ECWithTimeChild
+class SCOREMODEL_API ECChord : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECChord)
 

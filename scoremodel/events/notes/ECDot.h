@@ -3,9 +3,11 @@
 // Archive record: that of ECBase.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECBase.h>
 
-class ECDot : public ECBase
+class SCOREMODEL_API ECDot : public ECBase
 {
     DECLARE_SERIAL(ECDot)
 

@@ -5,9 +5,11 @@
 // Archive record: that of ECNote.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/notes/ECNote.h>
 
-class ECGraceNote : public ECNote
+class SCOREMODEL_API ECGraceNote : public ECNote
 {
     DECLARE_SERIAL(ECGraceNote)
 

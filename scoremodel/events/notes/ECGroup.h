@@ -4,9 +4,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECGroup : public ECWithTimeChild
+class SCOREMODEL_API ECGroup : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECGroup)
 

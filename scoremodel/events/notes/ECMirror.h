@@ -17,9 +17,11 @@
 // archive's second section once every object exists.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTime.h>
 
-class ECMirror : public ECWithTime
+class SCOREMODEL_API ECMirror : public ECWithTime
 {
     DECLARE_SERIAL(ECMirror)
 

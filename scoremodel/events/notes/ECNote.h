@@ -9,10 +9,12 @@
 // Archive record: that of ECWithTimeChild, then the duration (MCTime record).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECNote : public ECWithTimeChild
+class SCOREMODEL_API ECNote : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECNote)
 

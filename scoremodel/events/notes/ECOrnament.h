@@ -3,9 +3,11 @@
 // Archive record: that of ECWithChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithChild.h>
 
-class ECOrnament : public ECWithChild
+class SCOREMODEL_API ECOrnament : public ECWithChild
 {
     DECLARE_SERIAL(ECOrnament)
 

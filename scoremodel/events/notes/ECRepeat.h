@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECRepeat : public ECWithTimeChild
+class SCOREMODEL_API ECRepeat : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECRepeat)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECRest : public ECWithTimeChild
+class SCOREMODEL_API ECRest : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECRest)
 

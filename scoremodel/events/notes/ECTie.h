@@ -3,9 +3,11 @@
 // Archive record: that of ECGroup.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/notes/ECGroup.h>
 
-class ECTie : public ECGroup
+class SCOREMODEL_API ECTie : public ECGroup
 {
     DECLARE_SERIAL(ECTie)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECTremolo : public ECWithTimeChild
+class SCOREMODEL_API ECTremolo : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECTremolo)
 

@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECTrill : public ECWithTimeChild
+class SCOREMODEL_API ECTrill : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECTrill)
 

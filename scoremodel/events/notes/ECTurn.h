@@ -3,9 +3,11 @@
 // Archive record: that of ECWithChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithChild.h>
 
-class ECTurn : public ECWithChild
+class SCOREMODEL_API ECTurn : public ECWithChild
 {
     DECLARE_SERIAL(ECTurn)
 

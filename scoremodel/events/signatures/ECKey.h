@@ -3,9 +3,11 @@
 // Archive record: that of ECWithTime.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTime.h>
 
-class ECKey : public ECWithTime
+class SCOREMODEL_API ECKey : public ECWithTime
 {
     DECLARE_SERIAL(ECKey)
 

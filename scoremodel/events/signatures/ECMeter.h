@@ -4,9 +4,11 @@
 // Archive record: that of ECEnvPoint.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
 
-class ECMeter : public ECEnvPoint
+class SCOREMODEL_API ECMeter : public ECEnvPoint
 {
     DECLARE_SERIAL(ECMeter)
 

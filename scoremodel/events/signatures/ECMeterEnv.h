@@ -4,9 +4,11 @@
 // Archive record: that of ECEnvelope.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 
-class ECMeterEnv : public ECEnvelope
+class SCOREMODEL_API ECMeterEnv : public ECEnvelope
 {
     DECLARE_SERIAL(ECMeterEnv)
 

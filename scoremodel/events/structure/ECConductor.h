@@ -34,6 +34,8 @@
 // wave track array from the stored track numbers.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECWithChild.h>
 #include <scoremodel/platform/CArray.h>
@@ -49,7 +51,7 @@ class ECTempoEnv;
 class ECTrack;
 class ECWaveTrack;
 
-class ECConductor : public ECWithChild
+class SCOREMODEL_API ECConductor : public ECWithChild
 {
     DECLARE_SERIAL(ECConductor)
 

@@ -10,10 +10,12 @@
 // (PostSerialize), after the tree.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/platform/CArray.h>
 
-class ECConductorMeasure : public ECMeasure
+class SCOREMODEL_API ECConductorMeasure : public ECMeasure
 {
     DECLARE_SERIAL(ECConductorMeasure)
 

@@ -18,6 +18,8 @@
 // array stands in the second section (PostSerialize).
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/platform/CArray.h>
@@ -27,7 +29,7 @@ class ECMeterEnv;
 class ECPerformance;
 class ECTempoEnv;
 
-class ECConductorStaff : public ECStaff
+class SCOREMODEL_API ECConductorStaff : public ECStaff
 {
     DECLARE_SERIAL(ECConductorStaff)
 

@@ -8,9 +8,11 @@
 // Archive record: that of ECWithTimeChild; a measure adds no field.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECMeasure : public ECWithTimeChild
+class SCOREMODEL_API ECMeasure : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECMeasure)
 

@@ -34,6 +34,8 @@
 // conductor cache, which a host empties by taking the old tree down first.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/events/base/ECWithTimeChild.h>
 #include <scoremodel/events/base/MCFuncList.h>
@@ -43,7 +45,7 @@
 
 class ECConductor;
 
-class ECPerformance : public ECWithTimeChild
+class SCOREMODEL_API ECPerformance : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECPerformance)
 

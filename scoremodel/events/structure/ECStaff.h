@@ -14,9 +14,11 @@
 // lines and the size only from document version 5 on.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/structure/ECTrack.h>
 
-class ECStaff : public ECTrack
+class SCOREMODEL_API ECStaff : public ECTrack
 {
     DECLARE_SERIAL(ECStaff)
 

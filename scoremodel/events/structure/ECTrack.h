@@ -13,9 +13,11 @@
 // Archive record: that of ECWithTimeChild.
 #pragma once
 
+#include <scoremodel/Export.h>
+
 #include <scoremodel/events/base/ECWithTimeChild.h>
 
-class ECTrack : public ECWithTimeChild
+class SCOREMODEL_API ECTrack : public ECWithTimeChild
 {
     DECLARE_SERIAL(ECTrack)
 

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
+#include <cstdlib>
+#include <malloc.h>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -99,4 +101,28 @@ TEST(MCNodePool, AThreadThatEndsGivesItsFreeNodesBack)
     std::vector<void *> blocks = AllocateRound();
     EXPECT_EQ(MCNodePool::GetReservedCount(), before) << "this thread finds the nodes of those that ended";
     FreeAll(blocks);
+}
+
+// Run by the test "node_pool_heap" with SCOREMODEL_NODE_POOL=heap: every node
+// is a heap block of its own, so a host's leaked node shows in the heap's
+// figures (and in valgrind's) and a freed one leaves them at once.
+TEST(MCNodePoolHeap, EveryNodeComesFromTheHeapWhenTheEnvironmentAsks)
+{
+    if (std::getenv("SCOREMODEL_NODE_POOL") == nullptr)
+        GTEST_SKIP() << "runs as node_pool_heap, with SCOREMODEL_NODE_POOL=heap";
+    ASSERT_TRUE(MCNodePool::UsesHeap());
+    const size_t before = mallinfo2().uordblks;
+    std::vector<void *> blocks = AllocateRound();
+    EXPECT_GE(mallinfo2().uordblks - before, kRound * MCNodePool::kBlockSize);
+    EXPECT_EQ(MCNodePool::GetReservedCount(), 0u);
+    FreeAll(blocks);
+    EXPECT_LT(mallinfo2().uordblks, before + kRound * MCNodePool::kBlockSize / 10);
+    EXPECT_EQ(MCNodePool::GetReservedCount(), 0u);
+}
+
+TEST(MCNodePoolHeap, ThePoolIsUsedUnlessAskedOtherwise)
+{
+    if (std::getenv("SCOREMODEL_NODE_POOL") != nullptr)
+        GTEST_SKIP() << "the environment asks for the heap";
+    EXPECT_EQ(MCNodePool::UsesHeap(), !PoolActive());
 }
