@@ -104,7 +104,13 @@ TEST(EventCopyConventionTest, EveryClassCopiesNoParentChildFlagCountHitOrAttachm
         src->SetHit(1, 0xF0);
         src->GetData()->SetAtGrow(0, new DCBase);
         if (src->GetChildren())
-            src->AddChild(CreateEventW(EVENT_ID_WITH_TIME), 0);
+        {
+            // Envelopes take only their own points: a refused child dies here.
+            ECBase *child = CreateEventW(EVENT_ID_WITH_TIME);
+            child->Ref();
+            src->AddChild(child, 0);
+            child->Unref(1);
+        }
         dst->Ref();
 
         const Links before(dst);
