@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 60
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN    := -G Ninja
 
-.PHONY: all deps build demo test bench sanitize fuzz clean
+.PHONY: all deps build demo test docs bench sanitize fuzz clean
 
 all: build
 
@@ -25,6 +25,10 @@ demo: build
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+# The HTML API reference, from the headers' comments, in $(BUILD)/docs/html.
+docs: build
+	@cmake --build $(BUILD) --target docs
 
 bench:
 	@scripts/install-deps.sh --bench
