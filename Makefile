@@ -11,7 +11,7 @@ FUZZ_SECONDS ?= 60
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN    := -G Ninja
 
-.PHONY: all deps build demo test bench sanitize tsan fuzz coverage clean
+.PHONY: all deps build demo test docs bench sanitize tsan fuzz coverage clean
 
 all: build
 
@@ -27,6 +27,10 @@ demo: build
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+# The HTML API reference, from the headers' comments, in $(BUILD)/docs/html.
+docs: build
+	@cmake --build $(BUILD) --target docs
 
 bench:
 	@scripts/install-deps.sh --bench

@@ -11,7 +11,7 @@
 #   scripts/install-deps.sh --coverage  # also gcovr, for `make coverage`
 set -euo pipefail
 
-packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
+packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev doxygen)
 case "${1:-}" in
   --fuzz) packages+=(clang libclang-rt-14-dev) ;;
   --bench) packages+=(libboost-serialization-dev libportsmf-dev) ;;

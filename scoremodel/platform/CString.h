@@ -375,6 +375,7 @@ typedef CStringT<wchar_t> CString;
 typedef CStringT<char> CStringA;
 typedef CStringT<wchar_t> CStringW;
 
+#ifndef SCOREMODEL_DOXYGEN // the API reference lists the library's own classes
 template <typename XCHAR>
 struct std::hash<CStringT<XCHAR>>
 {
@@ -383,3 +384,4 @@ struct std::hash<CStringT<XCHAR>>
         return std::hash<std::basic_string_view<XCHAR>>()(s.View());
     }
 };
+#endif
