@@ -30,6 +30,7 @@ int main(int argc, char **argv)
 {
     const std::string file = argc > 1 ? argv[1] : "/tmp/scoremodel-minimal-host-" + std::to_string(::getpid()) + ".smd";
 
+    MCCommandMgr::SetDocumentThread(); // edits run on the thread that pumps: this one
     MCDocumentOwner doc = MCDocumentOwner::Make();
     CString name(L"Add staves");
     MCCommandMgr::BeginUndo(doc.Get(), name);

@@ -23,6 +23,9 @@ int Staves(ECPerformance *doc)
 
 int DocumentThread(int requests, const std::string &file)
 {
+    // This thread pumps the loop, so edits run here: named before any other
+    // library call.
+    MCCommandMgr::SetDocumentThread();
     MCDocumentOwner doc = MCDocumentOwner::Make();
     bool quitting = false;
     while (!quitting || MCMessageLoop::GetNextTimerDelay() >= 0)
