@@ -95,28 +95,7 @@ int ECTempoEnv::AddChild(ECBase *child, int sorted)
     if (!ECEnvelope::AddChild(child, sorted))
         return 0;
     child->SetVoiceTrack(GetVoiceTrack());
-    RecalculateClockTimes();
     return 1;
-}
-
-int ECTempoEnv::RemoveChild(ECBase *child, int deep)
-{
-    KeepAlive alive(this); // the children's parent links may hold the last references
-    CSingleLock lock(&m_lock, TRUE);
-    int result = ECEnvelope::RemoveChild(child, deep);
-    if (result)
-        RecalculateClockTimes();
-    return result;
-}
-
-int ECTempoEnv::RemoveChildren(int deep)
-{
-    KeepAlive alive(this); // the children's parent links may hold the last references
-    CSingleLock lock(&m_lock, TRUE);
-    int result = ECEnvelope::RemoveChildren(deep);
-    if (result)
-        RecalculateClockTimes();
-    return result;
 }
 
 void ECTempoEnv::UpdateChildren()
@@ -124,6 +103,7 @@ void ECTempoEnv::UpdateChildren()
     CSingleLock lock(&m_lock, TRUE);
     ECEnvelope::UpdateChildren();
     m_clockPos = m_children.GetHeadPosition();
+    RecalculateClockTimes();
 }
 
 void ECTempoEnv::RecalculateClockTimes()

@@ -63,10 +63,10 @@ public:
     int GetParentTypes(CArray<int, int> &types) override;
 
     // ECEnvelope::AddChild for an ECTempo; on success the point takes the
-    // map's voice/track word and the clock is recalculated.
+    // map's voice/track word.
     int AddChild(ECBase *child, int sorted) override;
-    int RemoveChild(ECBase *child, int deep) override;
-    int RemoveChildren(int deep) override;
+    // The envelope runs it after every add, remove and clear: here it also
+    // puts the clock-side cursor on the head and recalculates the clock.
     void UpdateChildren() override;
 
     // Normalized (mode 0) to clock (mode 3), in place; any other mode is left
