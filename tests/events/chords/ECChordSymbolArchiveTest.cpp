@@ -3,33 +3,15 @@
 #include "events/ArchiveTestSupport.h"
 #include "events/chords/ChordTestSupport.h"
 
-#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/Exceptions.h>
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 namespace
 {
-class DocumentVersion
-{
-public:
-    explicit DocumentVersion(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
-
-// ECWithTime's record: no flags, time 2.5 in mode 0, voice/track word 0x0113.
-const Bytes kPrefix = {0x00, 0x00, 0x00, 0x00, 0x20, 0x40, 0x13, 0x01};
+const Bytes kPrefix = TimedRecordPrefix();
 
 Bytes Dword(unsigned value)
 {
@@ -50,13 +32,7 @@ Bytes Wide(const std::u16string &text)
     return out;
 }
 
-Bytes Join(std::initializer_list<Bytes> parts)
-{
-    Bytes out;
-    for (const Bytes &p : parts)
-        out.insert(out.end(), p.begin(), p.end());
-    return out;
-}
+using archive_bytes::Concat;
 
 class ChordArchiveTest : public ChordSymbolFixture
 {
@@ -65,7 +41,7 @@ protected:
     ECChordSymbol *Load(const Bytes &bytes, int version)
     {
         ECChordSymbol *chord = Make();
-        DocumentVersion scope(version);
+        ArchiveVersionScope scope(version);
         EXPECT_EQ(LoadBytes(bytes, [&](CArchive &ar) { chord->Serialize(ar); }), bytes.size());
         return chord;
     }
@@ -81,13 +57,13 @@ TEST_F(ChordArchiveTest, StoresTheTypeAndBothCustomTexts)
     CString text(L"Eb-7/Bb");
     ASSERT_EQ(chord->UpdateFromString(text), 1);
     const Bytes stored = Store([&](CArchive &ar) { chord->Serialize(ar); });
-    EXPECT_EQ(stored, Join({kPrefix, Dword(0x01051206), Wide(u"-7"), Wide(u"")}));
+    EXPECT_EQ(stored, Concat({kPrefix, Dword(0x01051206), Wide(u"-7"), Wide(u"")}));
 
     text = L"f#";
     ASSERT_EQ(chord->UpdateFromString(text), 1);
     chord->SetPhantom(1);
     const Bytes lower = Store([&](CArchive &ar) { chord->Serialize(ar); });
-    EXPECT_EQ(lower, Join({kPrefix, Dword(0x0101000B), Wide(u""), Wide(u"f#")}));
+    EXPECT_EQ(lower, Concat({kPrefix, Dword(0x0101000B), Wide(u""), Wide(u"f#")}));
 
     ECChordSymbol *loaded = Load(lower, ArchiveVersionCurrent);
     EXPECT_TRUE(*loaded == *chord);
@@ -111,7 +87,7 @@ TEST_F(ChordArchiveTest, VersionsThreeToEighteenFindTheFlavourByItsText)
         {
             SCOPED_TRACE(testing::Message() << "v" << version << " flavour " << c.flavour);
             // The stored flavour byte (9) is replaced by what the text says.
-            ECChordSymbol *chord = Load(Join({kPrefix, Dword(0x01090204), Wide(c.text)}), version);
+            ECChordSymbol *chord = Load(Concat({kPrefix, Dword(0x01090204), Wide(c.text)}), version);
             EXPECT_EQ(chord->GetChordFlavor(), c.flavour);
             EXPECT_EQ(chord->GetChordRoot(), 4);
             EXPECT_EQ(chord->GetChordBass(), 2);
@@ -126,7 +102,7 @@ TEST_F(ChordArchiveTest, VersionsBeforeThreeMapTheOldFlavourNumbers)
     const int mapped[19] = {0, 1, 8, 2, 19, 5, 20, 21, 4, 22, 23, 24, 25, 26, 10, 11, 27, 3, 29};
     for (int old = 0; old < 256; ++old)
     {
-        ECChordSymbol *chord = Load(Join({kPrefix, Dword(0x01000001u | (static_cast<unsigned>(old) << 16))}), 2);
+        ECChordSymbol *chord = Load(Concat({kPrefix, Dword(0x01000001u | (static_cast<unsigned>(old) << 16))}), 2);
         EXPECT_EQ(chord->GetChordFlavor(), old < 19 ? mapped[old] : old) << old;
         EXPECT_EQ(chord->GetChordRoot(), 1);
     }
@@ -134,14 +110,14 @@ TEST_F(ChordArchiveTest, VersionsBeforeThreeMapTheOldFlavourNumbers)
 
 TEST_F(ChordArchiveTest, CutRecordsFailAsArchiveErrors)
 {
-    const Bytes full = Join({kPrefix, Dword(0x01051206), Wide(u"-7"), Wide(u"x")});
+    const Bytes full = Concat({kPrefix, Dword(0x01051206), Wide(u"-7"), Wide(u"x")});
     for (int version : {2, 10, static_cast<int>(ArchiveVersionCurrent)})
     {
         const size_t whole = version < 3 ? kPrefix.size() + 4 : version < 19 ? full.size() - 6 : full.size();
         for (size_t keep = 0; keep < whole; ++keep)
         {
             ECChordSymbol *chord = Make();
-            DocumentVersion scope(version);
+            ArchiveVersionScope scope(version);
             const Bytes cut(full.begin(), full.begin() + static_cast<long>(keep));
             EXPECT_THROW(LoadBytes(cut, [&](CArchive &ar) { chord->Serialize(ar); }), CArchiveException)
                 << keep << " bytes, v" << version;

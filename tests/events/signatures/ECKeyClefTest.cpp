@@ -3,7 +3,6 @@
 // by byte.
 #include "events/ArchiveTestSupport.h"
 
-#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/notes/ECMirror.h>
 #include <scoremodel/events/signatures/ECClef.h>
@@ -12,25 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace
 {
-class DocumentVersion
-{
-public:
-    explicit DocumentVersion(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
-
 void Release(ECBase *e)
 {
     e->Ref();
@@ -38,33 +20,13 @@ void Release(ECBase *e)
     e->Unref(1);
 }
 
-// The record of ECWithTime as every version from 1 on holds it: no flags,
-// a float time of 2.5 quarters in mode 0, voice 3 of track 17.
-Bytes TimedPrefix()
-{
-    Bytes out = {0x00, 0x00};
-    const float time = 2.5f;
-    BYTE raw[4];
-    std::memcpy(raw, &time, 4);
-    out.insert(out.end(), raw, raw + 4);
-    const WORD voiceTrack = static_cast<WORD>(3 | (17 << 4));
-    out.push_back(static_cast<BYTE>(voiceTrack));
-    out.push_back(static_cast<BYTE>(voiceTrack >> 8));
-    return out;
-}
-
-Bytes Concat(const Bytes &a, const Bytes &b)
-{
-    Bytes out = a;
-    out.insert(out.end(), b.begin(), b.end());
-    return out;
-}
+using archive_bytes::Concat;
 
 // Loads `bytes` into `event` as a record of the given document version and
 // answers whether the loader read them all.
 bool LoadRecord(ECBase *event, const Bytes &bytes, int version)
 {
-    DocumentVersion scope(version);
+    ArchiveVersionScope scope(version);
     return LoadBytes(bytes, [&](CArchive &ar) { event->Serialize(ar); }) == bytes.size();
 }
 
@@ -275,7 +237,7 @@ TEST(SignatureArchiveTest, KeyRecordAtEveryVersion)
     key->SetVoiceTrack(3, 17);
     const Bytes stored = StoreRecord(key);
     // Sharps in bits 0-2, flats 3-5, mode 6, hand 7.
-    EXPECT_EQ(stored, Concat(TimedPrefix(), {0xD5}));
+    EXPECT_EQ(stored, Concat({TimedRecordPrefix(), {0xD5}}));
 
     struct Case
     {
@@ -295,7 +257,7 @@ TEST(SignatureArchiveTest, KeyRecordAtEveryVersion)
     {
         SCOPED_TRACE(c.what);
         auto *loaded = new ECKey();
-        EXPECT_TRUE(LoadRecord(loaded, Concat(TimedPrefix(), c.tail), c.version)) << "read to the last byte";
+        EXPECT_TRUE(LoadRecord(loaded, Concat({TimedRecordPrefix(), c.tail}), c.version)) << "read to the last byte";
         ExpectKey(loaded, c.sharps, c.flats, c.mode, c.hand);
         EXPECT_TRUE(*loaded->GetTime() == at);
         EXPECT_EQ(loaded->GetVoiceTrack()->GetValue(), key->GetVoiceTrack()->GetValue());
@@ -311,7 +273,7 @@ TEST(SignatureArchiveTest, ClefRecordAtEveryVersion)
     MCTime at(2.5f);
     clef->SetTime(&at);
     clef->SetVoiceTrack(3, 17);
-    EXPECT_EQ(StoreRecord(clef), Concat(TimedPrefix(), {0xE4}));
+    EXPECT_EQ(StoreRecord(clef), Concat({TimedRecordPrefix(), {0xE4}}));
 
     struct Case
     {
@@ -329,7 +291,7 @@ TEST(SignatureArchiveTest, ClefRecordAtEveryVersion)
     {
         SCOPED_TRACE(c.what);
         auto *loaded = new ECClef();
-        EXPECT_TRUE(LoadRecord(loaded, Concat(TimedPrefix(), c.tail), c.version)) << "read to the last byte";
+        EXPECT_TRUE(LoadRecord(loaded, Concat({TimedRecordPrefix(), c.tail}), c.version)) << "read to the last byte";
         EXPECT_EQ(loaded->GetClefType(), c.type);
         EXPECT_EQ(loaded->GetHand(), c.hand);
         Release(loaded);
@@ -341,14 +303,14 @@ TEST(SignatureArchiveTest, CutRecordsFailAsArchiveErrors)
 {
     // Every record cut short, at each version, must be an archive error the
     // host can catch: no crash, no garbage accepted.
-    const Bytes full = Concat(TimedPrefix(), {0xFD, 0xFF, 0x00, 0x00});
+    const Bytes full = Concat({TimedRecordPrefix(), {0xFD, 0xFF, 0x00, 0x00}});
     for (int version : {2, static_cast<int>(ArchiveVersionCurrent)})
-        for (size_t keep = 0; keep < TimedPrefix().size() + (version < 3 ? 4u : 1u); ++keep)
+        for (size_t keep = 0; keep < TimedRecordPrefix().size() + (version < 3 ? 4u : 1u); ++keep)
         {
             for (ECBase *e : {static_cast<ECBase *>(new ECKey()), static_cast<ECBase *>(new ECClef())})
             {
                 // The clef's old record is two bytes: a cut within them only.
-                const size_t whole = TimedPrefix().size() + (version >= 3 ? 1 : e->GetEventId() == EVENT_ID_KEY ? 4 : 2);
+                const size_t whole = TimedRecordPrefix().size() + (version >= 3 ? 1 : e->GetEventId() == EVENT_ID_KEY ? 4 : 2);
                 if (keep < whole)
                 {
                     const Bytes cut(full.begin(), full.begin() + static_cast<long>(keep));
