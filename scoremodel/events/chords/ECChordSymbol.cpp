@@ -38,35 +38,36 @@ constexpr FlavorRow kFlavors[ECChordSymbol::kFlavorCount] = {
     {1, 24}, {1, 22}, {1, 4},  {1, 5},  {1, 1},  {1, 13}, {1, 37}, {1, 20}, {0, 32}, {0, 36},
 };
 
+// A text and what it reads as: a flavour, or for a note name a root code.
 struct Token
 {
     const wchar_t *text;
-    unsigned char flavour;
+    unsigned char value;
 };
 
 // Exact, case-sensitive, in this order: the first match wins.
 constexpr Token kDirectTokens[] = {
-    {L"m", 1},         {L"6", 20},       {L"69", 24},    {L"7", 8},       {L"7#11", 14},  {L"7#5", 18},
-    {L"7#9", 17},      {L"7b9", 16},     {L"7sus", 27},  {L"9", 21},      {L"add9", 22},  {L"maj7", 4},
-    {L"maj7#4", 7},    {L"maj7#5", 13},  {L"maj7add9", 23}, {L"m6", 19},  {L"m6add9", 26}, {L"m7add9", 25},
-    {L"mb6", 9},       {L"mmaj7", 12},   {L"m7", 5},     {L"m7b5", 10},   {L"sus", 11},   {L"sus2", 28},
-    {L"susb9", 6},     {L"+", 3},        {L"\u00B0", 2},
+    {L"m", 1}, {L"6", 20}, {L"69", 24}, {L"7", 8}, {L"7#11", 14}, {L"7#5", 18},
+    {L"7#9", 17}, {L"7b9", 16}, {L"7sus", 27}, {L"9", 21}, {L"add9", 22}, {L"maj7", 4},
+    {L"maj7#4", 7}, {L"maj7#5", 13}, {L"maj7add9", 23}, {L"m6", 19}, {L"m6add9", 26}, {L"m7add9", 25},
+    {L"mb6", 9}, {L"mmaj7", 12}, {L"m7", 5}, {L"m7b5", 10}, {L"sus", 11}, {L"sus2", 28},
+    {L"susb9", 6}, {L"+", 3}, {L"\u00B0", 2},
 };
 
 // Read after the direct tokens; a match keeps the user's spelling. The "+"
 // here never fires, as the direct token comes first.
 constexpr Token kAliasTokens[] = {
-    {L"M", 0},       {L"major", 0},    {L"maj", 0},        {L"ma", 0},          {L"-", 1},        {L"min", 1},
-    {L"Minor", 1},   {L"mi", 1},       {L"m-5", 2},        {L"+5", 3},          {L"+", 3},        {L"M7", 4},
-    {L"?", 4},       {L"-7", 5},       {L"sus4", 11},      {L"dim7", 2},        {L"maj11", 14},   {L"m11", 14},
-    {L"7+5", 18},    {L"m7-5", 10},    {L"\u00D8", 10},    {L"\u00F8", 10},     {L"\u00F87", 10}, {L"\u00D87", 10},
-    {L"min7-5", 10}, {L"min7b5", 10},  {L"-add9", 25},     {L"madd9", 25},      {L"minadd9", 25},
+    {L"M", 0}, {L"major", 0}, {L"maj", 0}, {L"ma", 0}, {L"-", 1}, {L"min", 1},
+    {L"Minor", 1}, {L"mi", 1}, {L"m-5", 2}, {L"+5", 3}, {L"+", 3}, {L"M7", 4},
+    {L"?", 4}, {L"-7", 5}, {L"sus4", 11}, {L"dim7", 2}, {L"maj11", 14}, {L"m11", 14},
+    {L"7+5", 18}, {L"m7-5", 10}, {L"\u00D8", 10}, {L"\u00F8", 10}, {L"\u00F87", 10}, {L"\u00D87", 10},
+    {L"min7-5", 10}, {L"min7b5", 10}, {L"-add9", 25}, {L"madd9", 25}, {L"minadd9", 25},
 };
 
-// Note names, compared lower case, in this order; 0 ends the list. "b" is
-// decided apart, by the pattern.
+// Note names, compared lower case, in this order. "b" is decided apart, by
+// the pattern.
 constexpr Token kNoteNames[] = {
-    {L"c", 1},  {L"do", 1}, {L"d", 4},  {L"re", 4}, {L"e", 7},  {L"mi", 7},  {L"f", 10}, {L"fa", 10},
+    {L"c", 1}, {L"do", 1}, {L"d", 4}, {L"re", 4}, {L"e", 7}, {L"mi", 7}, {L"f", 10}, {L"fa", 10},
     {L"g", 13}, {L"so", 13}, {L"a", 16}, {L"la", 16}, {L"h", 19}, {L"si", 19}, {L"ti", 19},
 };
 
@@ -312,7 +313,7 @@ unsigned char ECChordSymbol::GetRootOrBassFromString(int pattern, CString &text,
         for (const Token &name : kNoteNames)
             if (token == name.text)
             {
-                code = name.flavour;
+                code = name.value;
                 break;
             }
     }
@@ -352,12 +353,12 @@ unsigned char ECChordSymbol::GetFlavorFromString(CString &text, int &ok)
         return 0;
     for (const Token &token : kDirectTokens)
         if (text == token.text)
-            return token.flavour;
+            return token.value;
     for (const Token &token : kAliasTokens)
         if (text == token.text)
         {
             m_customFlavor = typed;
-            return token.flavour;
+            return token.value;
         }
     ok = 0;
     return kNoFlavor;

@@ -152,7 +152,8 @@ TEST_F(ChordSymbolFixture, EveryRootAndTokenReadsBackToTheTokensFlavour)
 TEST_F(ChordSymbolFixture, RandomTextsNeverCrashOrLeaveImpossibleValues)
 {
     // Characters that matter to the reader, and some that do not.
-    const std::wstring alphabet = L"CDEFGABHcdefgabh#b/|\\mM7956+-?sudaijnor ()[]!.,:;^_'\u00B0\u00F8\u00D8x\u00E9\u4E2D";
+    const std::wstring alphabet =
+        L"CDEFGABHcdefgabh#b/|\\mM7956+-?sudaijnor ()[]!.,:;^_'\u00B0\u00F8\u00D8x\u00E9\u4E2D";
     std::mt19937 random(20);
     for (int pattern : {0, 1, 2})
     {
