@@ -32,25 +32,6 @@ const wchar_t *const kTypedSuffixes[] = {
 const wchar_t *const kRoots[] = {L"C", L"C#", L"Db", L"D", L"D#", L"Eb", L"E", L"F", L"F#", L"Gb",
                                  L"G", L"G#", L"Ab", L"A", L"A#", L"Bb", L"B", L"Cb", L"E#", L"Fb", L"B#", L"H"};
 
-// The direct tokens and aliases with their flavours.
-struct Token
-{
-    const wchar_t *text;
-    int flavour;
-};
-const Token kTokens[] = {
-    {L"m", 1},          {L"6", 20},        {L"69", 24},      {L"7", 8},          {L"7#11", 14},   {L"7#5", 18},
-    {L"7#9", 17},       {L"7b9", 16},      {L"7sus", 27},    {L"9", 21},         {L"add9", 22},   {L"maj7", 4},
-    {L"maj7#4", 7},     {L"maj7#5", 13},   {L"maj7add9", 23}, {L"m6", 19},       {L"m6add9", 26}, {L"m7add9", 25},
-    {L"mb6", 9},        {L"mmaj7", 12},    {L"m7", 5},       {L"m7b5", 10},      {L"sus", 11},    {L"sus2", 28},
-    {L"susb9", 6},      {L"+", 3},         {L"\u00B0", 2},   {L"M", 0},          {L"major", 0},   {L"maj", 0},
-    {L"ma", 0},         {L"-", 1},         {L"min", 1},      {L"Minor", 1},      {L"mi", 1},      {L"m-5", 2},
-    {L"+5", 3},         {L"M7", 4},        {L"?", 4},        {L"-7", 5},         {L"sus4", 11},   {L"dim7", 2},
-    {L"maj11", 14},     {L"m11", 14},      {L"7+5", 18},     {L"m7-5", 10},      {L"\u00D8", 10}, {L"\u00F8", 10},
-    {L"\u00F87", 10},   {L"\u00D87", 10},  {L"min7-5", 10},  {L"min7b5", 10},    {L"-add9", 25},  {L"madd9", 25},
-    {L"minadd9", 25},
-};
-
 // Note names per pattern kind with their codes: letters (pattern 1, where
 // B is B natural) and syllables.
 struct Name
@@ -128,7 +109,7 @@ TEST_F(ChordSymbolFixture, EveryRootAndTokenReadsBackToTheTokensFlavour)
             const Name &root = kind.names[i];
             if (root.code == 0)
                 continue; // "Solb": the syllable is "So", so "l" is no accidental
-            for (const Token &token : kTokens)
+            for (const ChordToken &token : kChordTokens)
                 for (const Name *bass : {static_cast<const Name *>(nullptr), &kind.names[(i + 5) % kind.count]})
                 {
                     if (bass && bass->code == 0)
