@@ -15,10 +15,13 @@ void SetStaffCachedTime(ECBase *event, MCTime *time, int hand, void (*setTime)(E
         return;
     }
     // STAFF CACHE HOOK: the staff's key and clef cache lands with the staff
-    // work; the two calls around the change are, on the ECStaff found above:
-    //     static_cast<ECStaff *>(staff)->UncacheEvent(event, hand);
+    // work. Wiring it (with <scoremodel/events/structure/ECStaff.h>) puts
+    // the two calls around the change, on the ECStaff found above:
+    //     auto *owner = static_cast<ECStaff *>(staff);
+    //     owner->UncacheEvent(event, static_cast<BYTE>(hand));
     //     setTime(event, time);
-    //     static_cast<ECStaff *>(staff)->CacheEvent(event, hand);
+    //     owner->CacheEvent(event, static_cast<BYTE>(hand));
+    // Until then the time is only set, as without a staff.
     (void)hand;
     setTime(event, time);
 }
