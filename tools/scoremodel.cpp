@@ -18,12 +18,16 @@
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/document/MCDocumentFile.h>
 #include <scoremodel/document/MCDocumentOwner.h>
+#include <scoremodel/events/chords/ECChordSymbol.h>
 #include <scoremodel/events/envelopes/ECControllerEnvelopes.h>
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
+#include <scoremodel/events/signatures/ECClef.h>
+#include <scoremodel/events/signatures/ECKey.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
+#include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/platform/CFile.h>
@@ -94,6 +98,36 @@ std::string EventLine(ECBase *event)
         std::snprintf(text, sizeof text, " value=%g style=%d", static_cast<double>(point->GetValue()),
                       point->GetStyle());
         line += text;
+    }
+    // A key shows its counts, mode and hand; a clef its type and hand; a
+    // chord symbol its four value bytes and the user's own texts.
+    char text[160];
+    if (event->IsKindOf(RUNTIME_CLASS(ECKey)))
+    {
+        auto *key = static_cast<ECKey *>(event);
+        std::snprintf(text, sizeof text, " sharps=%d flats=%d mode=%d hand=%d", key->GetNumSharps(),
+                      key->GetNumFlats(), key->GetMode(), key->GetHand());
+        line += text;
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECClef)))
+    {
+        auto *clef = static_cast<ECClef *>(event);
+        std::snprintf(text, sizeof text, " clef=%d hand=%d", clef->GetClefType(), clef->GetHand());
+        line += text;
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECChordSymbol)))
+    {
+        auto *chord = static_cast<ECChordSymbol *>(event);
+        CString flavour, root;
+        chord->GetCustomFlavor(flavour);
+        chord->GetCustomRoot(root);
+        std::snprintf(text, sizeof text, " root=%d bass=%d flavor=%d style=%d", chord->GetChordRoot(),
+                      chord->GetChordBass(), chord->GetChordFlavor(), chord->GetChordStyle());
+        line += text;
+        if (!flavour.IsEmpty())
+            line += std::string(" custom-flavor='") + CStringA(flavour).GetString() + "'";
+        if (!root.IsEmpty())
+            line += std::string(" custom-root='") + CStringA(root).GetString() + "'";
     }
     return line;
 }
@@ -273,6 +307,23 @@ int Demo(const char *path)
         volume->AddChild(change, 1);
     }
     staves[0]->AddChild(volume, 1);
+
+    // A measure of the first staff with a clef, a key and a chord symbol
+    // read from what a user types, so the saved document carries them.
+    auto *measure = new ECMeasure;
+    auto *clef = new ECClef(2);
+    auto *key = new ECKey(0, 3, 0);
+    auto *chord = new ECChordSymbol();
+    CString chordName(L"Eb-7/Bb");
+    chord->UpdateFromString(chordName);
+    MCTime bar(0.0f);
+    measure->SetTime(&bar);
+    for (ECBase *e : {static_cast<ECBase *>(clef), static_cast<ECBase *>(key), static_cast<ECBase *>(chord)})
+    {
+        e->SetTime(&bar);
+        measure->AddChild(e, 1);
+    }
+    staves[0]->AddChild(measure, 1);
 
     MCDocumentFile::Save(doc.Get(), file.c_str());
     struct stat st;

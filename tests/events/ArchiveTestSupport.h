@@ -3,10 +3,12 @@
 
 #include "ArchiveBytes.h"
 
+#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/CFile.h>
 
+#include <cstring>
 #include <functional>
 #include <vector>
 
@@ -47,4 +49,35 @@ T *LoadObject(const Bytes &bytes, bool *failed = nullptr)
     if (failed)
         *failed = false;
     return root;
+}
+
+// Loads as a document of the given version would, for the scope's duration.
+class ArchiveVersionScope
+{
+public:
+    explicit ArchiveVersionScope(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~ArchiveVersionScope() { SetActiveArchiveVersionSource(m_previous); }
+    ArchiveVersionScope(const ArchiveVersionScope &) = delete;
+    ArchiveVersionScope &operator=(const ArchiveVersionScope &) = delete;
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};
+
+// The record of ECWithTime as every version from 1 on holds it, built byte
+// by byte: no flags, a float time of 2.5 quarters in mode 0, then the
+// voice/track word of voice 3, track 17 (0x0113).
+inline Bytes TimedRecordPrefix()
+{
+    const float time = 2.5f;
+    Bytes out(8, 0);
+    std::memcpy(&out[2], &time, 4);
+    out[6] = 0x13;
+    out[7] = 0x01;
+    return out;
 }

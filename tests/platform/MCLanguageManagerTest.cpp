@@ -56,6 +56,9 @@ std::vector<KnownKey> KnownKeys()
     };
     for (int i = 1; i <= 3; ++i)
         keys.push_back({"TuDataModel_Plugins_CPlugins", "IDD_DM_MB_TEXT" + std::to_string(i), ""});
+    // The chord flavour texts; ECChordSymbolTest holds their exact wording.
+    for (int id = 12010; id <= 12037; ++id)
+        keys.push_back({"DataModel", "IDS_DM_CHORD_" + std::to_string(id), ""});
     for (std::string word : s_tempoWords)
     {
         std::string key = "IDS_DM_TEMPO_";

@@ -79,6 +79,14 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
         << dump.out;
     EXPECT_NE(dump.out.find("ECControlChange id=18 time=4 voice=15 track=2047 value=80 style=1\n"), std::string::npos)
         << dump.out;
+    EXPECT_NE(dump.out.find("ECClef id=14 time=0 voice=15 track=2047 clef=2 hand=0\n"), std::string::npos) << dump.out;
+    EXPECT_NE(dump.out.find("ECKey id=29 time=0 voice=15 track=2047 sharps=0 flats=3 mode=0 hand=0\n"),
+              std::string::npos)
+        << dump.out;
+    EXPECT_NE(dump.out.find("ECChordSymbol id=13 time=0 voice=15 track=2047 root=6 bass=18 flavor=5 style=1 "
+                            "custom-flavor='-7'\n"),
+              std::string::npos)
+        << dump.out;
 
     ToolRun info = Tool("info '" + file + "'");
     ASSERT_EQ(info.code, 0) << info.err;

@@ -33,20 +33,7 @@ int TestInvalid::s_alive = 0;
 namespace
 {
 // Loads as a document of an old version would, for the scope's duration.
-class OldDocument
-{
-public:
-    explicit OldDocument(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~OldDocument() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
+using OldDocument = ArchiveVersionScope;
 
 Bytes Le32(int value)
 {

@@ -1,0 +1,75 @@
+// How long a chord symbol lasts: up to the next chord symbol of the active
+// document, or to the end of the last measure.
+#include "events/structure/TrackTestSupport.h"
+
+#include <scoremodel/events/chords/ECChordSymbol.h>
+#include <scoremodel/events/structure/ECMeasure.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+class ChordDurationTest : public TrackTest
+{
+protected:
+    void SetUp() override
+    {
+        TrackTest::SetUp();
+        m_previous = ECPerformance::SetActivePerformance(m_doc);
+        ECConductorStaff *staff = m_conductor->GetConductorStaff();
+        ASSERT_NE(staff, nullptr);
+        staff->GetMaxMeasureEndTime() = MCTime(16.0f);
+        m_measure = new ECMeasure;
+        MCTime bar(0.0f);
+        m_measure->SetTime(&bar);
+        AddStaff()->AddChild(m_measure, 1);
+    }
+
+    void TearDown() override
+    {
+        ECPerformance::SetActivePerformance(m_previous);
+        TrackTest::TearDown();
+    }
+
+    ECChordSymbol *AddChord(float at)
+    {
+        auto *chord = new ECChordSymbol(1, 0, 8, 1);
+        MCTime time(at);
+        chord->SetTime(&time);
+        m_measure->AddChild(chord, 1);
+        return chord;
+    }
+
+    ECPerformance *m_previous = nullptr;
+    ECMeasure *m_measure = nullptr;
+};
+} // namespace
+
+TEST_F(ChordDurationTest, EachChordLastsUntilTheNextOrTheEnd)
+{
+    ECChordSymbol *first = AddChord(0.0f);
+    ECChordSymbol *second = AddChord(4.0f);
+    ECChordSymbol *last = AddChord(10.0f);
+    EXPECT_FLOAT_EQ(first->GetDuration()->GetSeconds(), 4.0f);
+    EXPECT_FLOAT_EQ(second->GetDuration()->GetSeconds(), 6.0f);
+    EXPECT_FLOAT_EQ(last->GetDuration()->GetSeconds(), 6.0f) << "the last lasts to the end of the last measure";
+    EXPECT_EQ(first->GetDuration(), first->GetDuration()) << "the caller owns nothing: the same member each call";
+}
+
+TEST_F(ChordDurationTest, ASymbolOutsideTheTreeStillMeasuresToTheDocumentsNext)
+{
+    AddChord(8.0f);
+    auto *loose = new ECChordSymbol();
+    loose->Ref();
+    MCTime at(5.0f);
+    loose->SetTime(&at);
+    EXPECT_FLOAT_EQ(loose->GetDuration()->GetSeconds(), 3.0f);
+    loose->Unref(1);
+}
+
+TEST_F(ChordDurationTest, NoActiveDocumentGivesZero)
+{
+    ECChordSymbol *chord = AddChord(2.0f);
+    ECPerformance::SetActivePerformance(nullptr);
+    EXPECT_FLOAT_EQ(chord->GetDuration()->GetSeconds(), 0.0f);
+}
