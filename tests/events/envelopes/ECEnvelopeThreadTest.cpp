@@ -77,8 +77,11 @@ TEST(EnvelopeThreads, ReadsStayRightWhileAnotherThreadAddsAndRemovesPoints)
     // answer whatever the editor is doing.
     ECEnvelope *env = NewEnvelope(200);
     std::atomic<bool> stop{false};
+    std::atomic<long> reads{0};
+    // The editor goes on until the reader has read a while beside it, however
+    // the two threads happen to be scheduled on a busy machine.
     std::thread editor([&] {
-        for (int i = 0; i < 3000 && !stop.load(); ++i)
+        for (int i = 0; i < 3000 || reads.load() < 500; ++i)
         {
             ECEnvPoint *p = NewPoint(static_cast<float>(i % 200) + 0.5f, 1000.0f);
             p->Ref();
@@ -88,26 +91,27 @@ TEST(EnvelopeThreads, ReadsStayRightWhileAnotherThreadAddsAndRemovesPoints)
         }
         stop = true;
     });
-    long reads = 0, wrong = 0;
+    long wrong = 0;
     float at = 0.0f;
-    while (!stop.load())
+    do
     {
+        const long n = reads.load();
         MCTime t(at);
         float value = 0.0f;
-        const int got = (reads % 2) ? env->GetValue(t, value, 0, -1) : env->TryGetValue(t, value, 0, -1);
+        const int got = (n % 2) ? env->GetValue(t, value, 0, -1) : env->TryGetValue(t, value, 0, -1);
         if (got >= 0 && value != static_cast<float>(static_cast<int>(at) % 100))
             ++wrong;
         MCTime t2(at);
-        ECEnvPoint *p = (reads % 3) ? nullptr : env->GetPointAt(t2);
+        ECEnvPoint *p = (n % 3) ? nullptr : env->GetPointAt(t2);
         (void)p;
-        ++reads;
+        reads.store(n + 1);
         at += 1.0f;
         if (at >= 200.0f)
             at = 0.0f;
-    }
+    } while (!stop.load());
     editor.join();
     EXPECT_EQ(wrong, 0);
-    EXPECT_GT(reads, 0);
+    EXPECT_GE(reads.load(), 500);
     env->RemoveChildren(1);
     env->Unref(1);
 }
