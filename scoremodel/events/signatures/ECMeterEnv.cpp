@@ -1,5 +1,6 @@
 #include <scoremodel/events/signatures/ECMeterEnv.h>
 
+#include <scoremodel/events/envelopes/EnvelopeNodes.h>
 #include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/Exceptions.h>
@@ -10,20 +11,14 @@ IMPLEMENT_SERIAL(ECMeterEnv, ECEnvelope, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Node = MCObList::Node;
+using envelope_nodes::Next;
+using envelope_nodes::Prev;
 
-inline POSITION Prev(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pPrev);
-}
-inline POSITION Next(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pNext);
-}
 inline ECMeter *MeterOf(POSITION pos)
 {
-    return static_cast<ECMeter *>(static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data));
+    return envelope_nodes::ItemAt<ECMeter>(pos);
 }
+// Every child is a meter: the time is read without a virtual call.
 inline float TimeOf(ECMeter *meter)
 {
     return meter->ECWithTime::GetTime()->GetSeconds();
@@ -71,14 +66,8 @@ int ECMeterEnv::GetParentTypes(CArray<int, int> &types)
 
 int ECMeterEnv::AddChild(ECBase *child, int sorted)
 {
-    if (!child || !child->IsKindOf(RUNTIME_CLASS(ECMeter)))
-        return 0;
-    CSingleLock lock(&m_lock, TRUE);
     // The envelope runs UpdateChildren, and with it RecalculateBPTTimes.
-    if (!ECEnvelope::AddChild(child, sorted))
-        return 0;
-    child->SetVoiceTrack(GetVoiceTrack());
-    return 1;
+    return AddChildOfKind(child, sorted, RUNTIME_CLASS(ECMeter));
 }
 
 int ECMeterEnv::RemoveChild(ECBase *child, int deep)
@@ -263,9 +252,7 @@ void ECMeterEnv::Serialize(CArchive &ar)
     ECEnvelope::Serialize(ar);
     if (ar.IsStoring())
         return;
-    for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
-        if (!static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data)->IsKindOf(RUNTIME_CLASS(ECMeter)))
-            throw CArchiveException(CArchiveException::genericException, "a meter map child that is not a meter");
+    CheckChildrenOfKind(RUNTIME_CLASS(ECMeter), "a meter map child that is not a meter");
     m_bptPos = nullptr;
     RecalculateBPTTimes();
 }
