@@ -95,12 +95,14 @@ void ECMeterEnv::RecalculateBPTTimes()
     CSingleLock lock(&m_lock, TRUE);
     POSITION pos = m_children.GetHeadPosition();
     ECMeter *previous = pos ? MeterOf(pos) : nullptr;
+    // The cursor of GetNormalizedTime needs bars that never fall.
+    bool ordered = true;
     // Positions count from a first meter at time 0; with none there the
     // stored positions stay as they were.
     if (previous && TimeOf(previous) == 0.0f)
     {
         const int ppq = static_cast<int>(MCTime::GlobalPPQ);
-        previous->SetBarPulseTick(0, 0, 0, ppq);
+        previous->StoreBarPulseTick(0, 0, 0, ppq);
         for (pos = Next(pos); pos; pos = Next(pos))
         {
             ECMeter *meter = MeterOf(pos);
@@ -108,12 +110,13 @@ void ECMeterEnv::RecalculateBPTTimes()
             int pulse = 0;
             int tick = 0;
             _GetBPTFromMeter(previous, *meter->ECWithTime::GetTime(), bar, pulse, tick, ppq);
-            meter->SetBarPulseTick(bar, pulse, tick, ppq);
+            meter->StoreBarPulseTick(bar, pulse, tick, ppq);
+            ordered = ordered && bar >= previous->m_barPulseTick.bar;
             previous = meter;
         }
+        m_bptOrdered = ordered;
+        return;
     }
-    // The cursor of GetNormalizedTime needs bars that never fall.
-    bool ordered = true;
     int lastBar = INT_MIN;
     for (pos = m_children.GetHeadPosition(); pos && ordered; pos = Next(pos))
     {
