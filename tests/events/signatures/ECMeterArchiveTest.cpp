@@ -33,6 +33,20 @@ ECMeter *ListMeter()
     return m;
 }
 
+// A map of computed meters (time, numerator, denominator), held by nobody.
+ECMeterEnv *MakeMap(std::initializer_list<std::tuple<float, int, int>> meters)
+{
+    auto *env = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
+    for (auto [at, n, d] : meters)
+    {
+        auto *m = new ECMeter(static_cast<unsigned char>(n), static_cast<unsigned char>(d), 255);
+        MCTime time(at);
+        m->SetTime(&time);
+        env->AddChild(m, 1);
+    }
+    return env;
+}
+
 // The meter part of a record, written field by field as the layout says.
 Bytes MeterBody(ECMeter *m, BYTE type, BYTE n, BYTE d, WORD count, WORD pulse, const WORD *flags,
                 std::initializer_list<WORD> stress, std::initializer_list<WORD> pulses,
@@ -179,14 +193,7 @@ TEST(MeterArchive, EveryTruncatedRecordIsAnEndOfFile)
 
 TEST(MeterArchive, ALoadedMapHasItsPositionsAndHoldsOnlyMeters)
 {
-    auto *env = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
-    for (auto [at, n, d] : {std::tuple{0.0f, 3, 4}, std::tuple{6.0f, 6, 8}, std::tuple{12.0f, 5, 4}})
-    {
-        auto *m = new ECMeter(static_cast<unsigned char>(n), static_cast<unsigned char>(d), 255);
-        MCTime time(at);
-        m->SetTime(&time);
-        env->AddChild(m, 1);
-    }
+    ECMeterEnv *env = MakeMap({{0.0f, 3, 4}, {6.0f, 6, 8}, {12.0f, 5, 4}});
     Bytes bytes = Store([&](CArchive &ar) { ar.WriteObject(env); });
     bool failed = true;
     auto *loaded = LoadObject<ECMeterEnv>(bytes, &failed);
@@ -214,14 +221,7 @@ TEST(MeterArchive, ALoadedMapHasItsPositionsAndHoldsOnlyMeters)
 
 TEST(MeterArchive, AFlippedByteLoadsOrFailsAndTheMapStillAnswers)
 {
-    auto *env = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
-    for (auto [at, n, d] : {std::tuple{0.0f, 5, 4}, std::tuple{5.0f, 33, 8}, std::tuple{21.5f, 7, 16}})
-    {
-        auto *m = new ECMeter(static_cast<unsigned char>(n), static_cast<unsigned char>(d), 255);
-        MCTime time(at);
-        m->SetTime(&time);
-        env->AddChild(m, 1);
-    }
+    ECMeterEnv *env = MakeMap({{0.0f, 5, 4}, {5.0f, 33, 8}, {21.5f, 7, 16}});
     auto *list = ListMeter();
     MCTime late(30.0f);
     list->SetTime(&late);
