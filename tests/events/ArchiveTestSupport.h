@@ -15,6 +15,24 @@
 using archive_bytes::Bytes;
 using archive_bytes::Store;
 
+// Loaders read the version of a document of that number while it lives.
+class DocumentVersion
+{
+public:
+    explicit DocumentVersion(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
+    DocumentVersion(const DocumentVersion &) = delete;
+    DocumentVersion &operator=(const DocumentVersion &) = delete;
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};
+
 // Reads `bytes` with `read` and answers how many of them the archive used.
 inline ULONGLONG LoadBytes(const Bytes &bytes, const std::function<void(CArchive &)> &read)
 {
@@ -50,24 +68,6 @@ T *LoadObject(const Bytes &bytes, bool *failed = nullptr)
         *failed = false;
     return root;
 }
-
-// Loads as a document of the given version would, for the scope's duration.
-class ArchiveVersionScope
-{
-public:
-    explicit ArchiveVersionScope(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~ArchiveVersionScope() { SetActiveArchiveVersionSource(m_previous); }
-    ArchiveVersionScope(const ArchiveVersionScope &) = delete;
-    ArchiveVersionScope &operator=(const ArchiveVersionScope &) = delete;
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
 
 // The record of ECWithTime as every version from 1 on holds it, built byte
 // by byte: no flags, a float time of 2.5 quarters in mode 0, then the

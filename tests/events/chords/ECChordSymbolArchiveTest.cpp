@@ -41,7 +41,7 @@ protected:
     ECChordSymbol *Load(const Bytes &bytes, int version)
     {
         ECChordSymbol *chord = Make();
-        ArchiveVersionScope scope(version);
+        DocumentVersion scope(version);
         EXPECT_EQ(LoadBytes(bytes, [&](CArchive &ar) { chord->Serialize(ar); }), bytes.size());
         return chord;
     }
@@ -117,7 +117,7 @@ TEST_F(ChordArchiveTest, CutRecordsFailAsArchiveErrors)
         for (size_t keep = 0; keep < whole; ++keep)
         {
             ECChordSymbol *chord = Make();
-            ArchiveVersionScope scope(version);
+            DocumentVersion scope(version);
             const Bytes cut(full.begin(), full.begin() + static_cast<long>(keep));
             EXPECT_THROW(LoadBytes(cut, [&](CArchive &ar) { chord->Serialize(ar); }), CArchiveException)
                 << keep << " bytes, v" << version;

@@ -14,8 +14,6 @@
 
 namespace
 {
-using DocumentVersion = ArchiveVersionScope;
-
 template <class T>
 T *New()
 {

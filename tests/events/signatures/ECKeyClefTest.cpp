@@ -26,7 +26,7 @@ using archive_bytes::Concat;
 // answers whether the loader read them all.
 bool LoadRecord(ECBase *event, const Bytes &bytes, int version)
 {
-    ArchiveVersionScope scope(version);
+    DocumentVersion scope(version);
     return LoadBytes(bytes, [&](CArchive &ar) { event->Serialize(ar); }) == bytes.size();
 }
 
