@@ -26,6 +26,7 @@
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
+#include <scoremodel/instruments/MCInstrument.h>
 #include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/version.h>
@@ -47,6 +48,9 @@
 
 namespace
 {
+// The attachment type under which the demo's staff carries its instrument.
+constexpr int kTablatureViewCode = 4;
+
 std::string TimeText(const MCTime *time)
 {
     char text[64];
@@ -94,6 +98,21 @@ std::string EventLine(ECBase *event)
         std::snprintf(text, sizeof text, " value=%g style=%d", static_cast<double>(point->GetValue()),
                       point->GetStyle());
         line += text;
+    }
+    // Attachments that the tool knows show their fields.
+    for (int slot = 0; slot < event->GetData()->GetSize(); ++slot)
+    {
+        const DCBase *data = event->GetData()->GetAt(slot);
+        if (!data || !data->IsKindOf(RUNTIME_CLASS(MCInstrument)))
+            continue;
+        auto *instrument = static_cast<const MCInstrument *>(data);
+        line += " instrument=\"" + instrument->GetName().ToUtf8() + "\" description=\"" +
+                instrument->GetDescription().ToUtf8() + "\" strings=" + std::to_string(instrument->GetStringsCount()) +
+                " frets=" + std::to_string(instrument->GetFretsCount()) +
+                " distance=" + std::to_string(instrument->GetFingerDistance()) + " tunes=";
+        for (INT_PTR i = 0; i < instrument->GetTunes().GetSize(); ++i)
+            line += (i ? "," : "") + std::to_string(instrument->GetTunes()[i]);
+        line += " initialized=" + std::to_string(instrument->Initialized());
     }
     return line;
 }
@@ -273,6 +292,18 @@ int Demo(const char *path)
         volume->AddChild(change, 1);
     }
     staves[0]->AddChild(volume, 1);
+
+    // A tablature instrument carried as an attachment of the first staff (the
+    // staff deletes it with itself): a seven-string guitar.
+    {
+        CArray<int, int> tunes;
+        for (int tune : MCInstrument::FretsDefault)
+            tunes.Add(tune);
+        auto *guitar = new MCInstrument(L"7-String Guitar", L"standard tuning with a low B", 7, 24, 4, tunes);
+        guitar->SetTunes(tunes);
+        guitar->SetOwner(staves[0]);
+        staves[0]->GetData()->SetAtGrow(MCDataArray::TypeToIndex(kTablatureViewCode), guitar);
+    }
 
     MCDocumentFile::Save(doc.Get(), file.c_str());
     struct stat st;

@@ -79,6 +79,11 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
         << dump.out;
     EXPECT_NE(dump.out.find("ECControlChange id=18 time=4 voice=15 track=2047 value=80 style=1\n"), std::string::npos)
         << dump.out;
+    // The first staff's tablature instrument, an attachment, with its fields.
+    EXPECT_NE(dump.out.find(" instrument=\"7-String Guitar\" description=\"standard tuning with a low B\" strings=7 "
+                            "frets=24 distance=4 tunes=64,59,55,50,45,40,35 initialized=1\n"),
+              std::string::npos)
+        << dump.out;
 
     ToolRun info = Tool("info '" + file + "'");
     ASSERT_EQ(info.code, 0) << info.err;
