@@ -20,12 +20,13 @@
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
 
+#include "BenchCollector.h"
+
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -112,23 +113,7 @@ void BM_PrecomputedTable(benchmark::State &state)
 }
 BENCHMARK(BM_PrecomputedTable);
 
-class Collector : public benchmark::ConsoleReporter
-{
-public:
-    std::map<std::string, double> ns;
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                ns[run.benchmark_name()] = run.GetAdjustedCPUTime();
-        ConsoleReporter::ReportRuns(runs);
-    }
-    double Get(const std::string &name) const
-    {
-        auto it = ns.find(name);
-        return it == ns.end() ? 0.0 : it->second;
-    }
-};
+using bench::Collector;
 
 void PrintRatio(const char *what, double ours, double base, double goal)
 {

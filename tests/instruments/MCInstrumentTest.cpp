@@ -17,32 +17,11 @@
 
 using archive_bytes::Bytes;
 using archive_bytes::Concat;
+using archive_bytes::Le32;
 using archive_bytes::Store;
 
 namespace
 {
-class ArchiveVersionScope
-{
-public:
-    explicit ArchiveVersionScope(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~ArchiveVersionScope() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
-
-Bytes Le32(int value)
-{
-    Bytes out(4);
-    std::memcpy(out.data(), &value, 4);
-    return out;
-}
-
 // A wide string of the archive: the Unicode marker, a one-byte length and
 // UTF-16LE units (ASCII only here).
 Bytes Str(const char *text)
@@ -205,7 +184,7 @@ TEST(MCInstrumentArchive, EachVersionBranchReadsItsFields)
     const Bytes tunes = Concat({Le32(2), Le32(40), Le32(45), Le32(1)});
     const Bytes full = Concat({kDataBase, TunesRecord({}), fields, tunes});
     {
-        ArchiveVersionScope v(4); // only the two records before the fields
+        archive_bytes::VersionScope v(4); // only the two records before the fields
         MCInstrument i;
         EXPECT_EQ(LoadInto(i, full), kDataBase.size() + 2);
         EXPECT_TRUE(i.GetName().IsEmpty());
@@ -213,7 +192,7 @@ TEST(MCInstrumentArchive, EachVersionBranchReadsItsFields)
         EXPECT_EQ(i.Initialized(), 0);
     }
     {
-        ArchiveVersionScope v(5); // fields, no tunes
+        archive_bytes::VersionScope v(5); // fields, no tunes
         MCInstrument i;
         EXPECT_EQ(LoadInto(i, full), full.size() - tunes.size());
         EXPECT_EQ(i.GetName(), L"Bs");
@@ -226,7 +205,7 @@ TEST(MCInstrumentArchive, EachVersionBranchReadsItsFields)
     }
     for (int version : {6, static_cast<int>(ArchiveVersionCurrent)})
     {
-        ArchiveVersionScope v(version);
+        archive_bytes::VersionScope v(version);
         MCInstrument i = Bass(); // the loaded tunes replace what was there
         EXPECT_EQ(LoadInto(i, full), full.size());
         ASSERT_EQ(i.GetTunes().GetSize(), 2);
