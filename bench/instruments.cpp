@@ -8,11 +8,13 @@
 //                             reading the XML.
 //   BM_HarmonicaSearch        finds the button of every pitch in both bellows
 //                             directions (rows 1, 0, 2, 3, up to 46 buttons).
-//                             Baseline: a precomputed pitch-to-byte table.
-//                             Goal: ratio <= 20; a search stays cheap enough
-//                             that the converter needs no such table (which
-//                             every key, layout and custom pitch would have
-//                             to rebuild).
+//                             Baseline: one pass over the 46 buttons held flat
+//                             in the same order, the least a search without
+//                             an index can cost. Goal: ratio <= 2, i.e. the
+//                             row order and per-row tables cost at most as
+//                             much again; the converter then needs no index
+//                             that every key, layout and custom pitch would
+//                             have to rebuild.
 #include <scoremodel/instruments/XMLInstrumentParser.h>
 #include <scoremodel/pitch/MCHarmonicaConverter.h>
 #include <scoremodel/platform/MessageBox.h>
@@ -22,6 +24,7 @@
 
 #include "BenchCollector.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -29,6 +32,7 @@
 #include <fstream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -94,30 +98,39 @@ void BM_HarmonicaSearch(benchmark::State &state)
 }
 BENCHMARK(BM_HarmonicaSearch);
 
-void BM_PrecomputedTable(benchmark::State &state)
+// The least any search without an index can do: one pass over the 46
+// buttons of a direction, held flat in the search's row order.
+void BM_FlatScan(benchmark::State &state)
 {
     MCHarmonicaConverter converter(0);
-    std::array<unsigned char, 256> table{};
-    for (int pitch = 0; pitch < 128; ++pitch)
-        for (int compression = 0; compression < 2; ++compression)
-            table[static_cast<size_t>(pitch * 2 + compression)] =
-                converter.GetHarmonicaDescantNotation(static_cast<unsigned char>(pitch), compression);
+    std::array<std::vector<unsigned char>, 2> flat;
+    for (int compression = 0; compression < 2; ++compression)
+        for (int row : {1, 0, 2, 3})
+            for (int button = 0; button < MCHarmonicaConverter::ButtonCount(4, row); ++button)
+                flat[static_cast<size_t>(compression)].push_back(converter.GetDescantMidiPitch(
+                    MCHarmonicaConverter::CombineToNotationByte(compression, row >= 2,
+                                                                static_cast<unsigned char>(button * 2 + row + 2))));
     for (auto _ : state)
         for (int pitch = 0; pitch < 128; ++pitch)
             for (int compression = 0; compression < 2; ++compression)
             {
-                benchmark::DoNotOptimize(table.data());
-                benchmark::DoNotOptimize(table[static_cast<size_t>(pitch * 2 + compression)]);
+                const std::vector<unsigned char> &buttons = flat[static_cast<size_t>(compression)];
+                benchmark::DoNotOptimize(std::find(buttons.begin(), buttons.end(), pitch) - buttons.begin());
             }
     state.SetItemsProcessed(state.iterations() * 256);
 }
-BENCHMARK(BM_PrecomputedTable);
+BENCHMARK(BM_FlatScan);
 
 using bench::Collector;
 
 void PrintRatio(const char *what, double ours, double base, double goal)
 {
-    const double ratio = base > 0 ? ours / base : 0.0;
+    if (ours <= 0 || base <= 0)
+    {
+        std::printf("  %-34s not measured in this run\n", what);
+        return;
+    }
+    const double ratio = ours / base;
     std::printf("  %-34s ratio %6.2f  goal <= %-4g %s\n", what, ratio, goal, ratio <= goal ? "met" : "MISSED");
 }
 
@@ -148,8 +161,7 @@ int main(int argc, char **argv)
         PrintRatio((std::string("instrument file / bare DOM, n=") + n).c_str(),
                    collector.Get(std::string("BM_ParseInstrumentFile/") + n),
                    collector.Get(std::string("BM_DomOnly/") + n), 2);
-    PrintRatio("harmonica search / table", collector.Get("BM_HarmonicaSearch"), collector.Get("BM_PrecomputedTable"),
-               20);
+    PrintRatio("harmonica search / flat scan", collector.Get("BM_HarmonicaSearch"), collector.Get("BM_FlatScan"), 2);
     std::error_code ignored;
     std::filesystem::remove_all(g_folder, ignored);
     return 0;

@@ -182,6 +182,24 @@ void XMLInstrumentParser::ParseRoot(pugi::xml_node root)
             ParseInstrument(child);
 }
 
+// The field an element of an instrument fills, by its name; ElementCount
+// for names the reader skips. One test of the first letter, then one full
+// comparison: the reader runs once per element of the file.
+int XMLInstrumentParser::FieldOf(const char *name)
+{
+    int candidate = ElementCount;
+    switch (name[0])
+    {
+    case 'n': candidate = ElementName; break;
+    case 'd': candidate = name[1] == 'e' ? ElementDescription : ElementDistance; break;
+    case 's': candidate = ElementStrings; break;
+    case 'f': candidate = ElementFrets; break;
+    case 't': candidate = ElementTune; break;
+    default: return ElementCount;
+    }
+    return Equals(name, m_sNodeNames[candidate]) ? candidate : ElementCount;
+}
+
 void XMLInstrumentParser::ParseInstrument(pugi::xml_node node)
 {
     auto instrument = std::make_unique<MCInstrument>();
@@ -189,20 +207,16 @@ void XMLInstrumentParser::ParseInstrument(pugi::xml_node node)
     {
         if (child.type() != pugi::node_element)
             continue;
-        const char *name = child.name();
-        const char *text = child.text().get();
-        if (Equals(name, m_sNodeNames[ElementName]))
-            instrument->SetName(FromDocumentText(text));
-        else if (Equals(name, m_sNodeNames[ElementDescription]))
-            instrument->SetDescription(FromDocumentText(text));
-        else if (Equals(name, m_sNodeNames[ElementStrings]))
-            instrument->SetStringsCount(ReadDecimal(text));
-        else if (Equals(name, m_sNodeNames[ElementFrets]))
-            instrument->SetFretsCount(ReadDecimal(text));
-        else if (Equals(name, m_sNodeNames[ElementDistance]))
-            instrument->SetFingerDistance(ReadDecimal(text));
-        else if (Equals(name, m_sNodeNames[ElementTune]))
-            ParseTune(child, *instrument);
+        switch (FieldOf(child.name()))
+        {
+        case ElementName: instrument->SetName(FromDocumentText(child.child_value())); break;
+        case ElementDescription: instrument->SetDescription(FromDocumentText(child.child_value())); break;
+        case ElementStrings: instrument->SetStringsCount(ReadDecimal(child.child_value())); break;
+        case ElementFrets: instrument->SetFretsCount(ReadDecimal(child.child_value())); break;
+        case ElementDistance: instrument->SetFingerDistance(ReadDecimal(child.child_value())); break;
+        case ElementTune: ParseTune(child, *instrument); break;
+        default: break;
+        }
     }
     m_nameList.Add(instrument->GetName());
     m_instruments.Add(instrument.get());
@@ -211,10 +225,17 @@ void XMLInstrumentParser::ParseInstrument(pugi::xml_node node)
 
 void XMLInstrumentParser::ParseTune(pugi::xml_node node, MCInstrument &instrument)
 {
-    CArray<int, int> tunes;
+    // Counted first, so the tunes take one block.
+    INT_PTR count = 0;
     for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
         if (child.type() == pugi::node_element && Equals(child.name(), m_sNodeNames[ElementFrequency]))
-            tunes.Add(ReadDecimal(child.text().get()));
+            ++count;
+    CArray<int, int> tunes;
+    tunes.SetSize(count);
+    INT_PTR i = 0;
+    for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
+        if (child.type() == pugi::node_element && Equals(child.name(), m_sNodeNames[ElementFrequency]))
+            tunes[i++] = ReadDecimal(child.child_value());
     instrument.SetTunes(tunes);
 }
 

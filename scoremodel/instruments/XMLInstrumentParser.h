@@ -141,6 +141,7 @@ private:
     pugi::xml_node Root();
     pugi::xml_node InstrumentNodeAt(int index);
     void ParseRoot(pugi::xml_node root);
+    static int FieldOf(const char *name);
     void ParseInstrument(pugi::xml_node node);
     void ParseTune(pugi::xml_node node, MCInstrument &instrument);
     // Fills an empty "instrument" element from `instrument`.
