@@ -1,6 +1,7 @@
 // The console reporter of the benchmarks that print goals: it keeps the CPU
 // time of every run, in nanoseconds per iteration whatever the run's unit, so
 // that main() can print ratios against a baseline measured in the same run.
+// With --benchmark_repetitions the median stands for the run.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -18,8 +19,12 @@ public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
         for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+        {
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0 && !ns.count(run.run_name.str()))
                 ns[run.benchmark_name()] = run.GetAdjustedCPUTime() * NsPerUnit(run.time_unit);
+            else if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+                ns[run.run_name.str()] = run.GetAdjustedCPUTime() * NsPerUnit(run.time_unit);
+        }
         ConsoleReporter::ReportRuns(runs);
     }
     // CPU ns per iteration of a run by name; 0 when it did not run.

@@ -225,17 +225,13 @@ void XMLInstrumentParser::ParseInstrument(pugi::xml_node node)
 
 void XMLInstrumentParser::ParseTune(pugi::xml_node node, MCInstrument &instrument)
 {
-    // Counted first, so the tunes take one block.
-    INT_PTR count = 0;
+    // Straight into the instrument's own array, which SetTunes then marks
+    // as set without a copy; room for 8 strings before it grows.
+    CArray<int, int> &tunes = instrument.GetTunes();
+    tunes.SetSize(0, 8);
     for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
         if (child.type() == pugi::node_element && Equals(child.name(), m_sNodeNames[ElementFrequency]))
-            ++count;
-    CArray<int, int> tunes;
-    tunes.SetSize(count);
-    INT_PTR i = 0;
-    for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
-        if (child.type() == pugi::node_element && Equals(child.name(), m_sNodeNames[ElementFrequency]))
-            tunes[i++] = ReadDecimal(child.child_value());
+            tunes.Add(ReadDecimal(child.child_value()));
     instrument.SetTunes(tunes);
 }
 
