@@ -75,6 +75,7 @@ private:
     void GenerateHzPitches();
 
     CArray<CString, CString> m_nameList;
+    // Part of the manager's layout; nothing in the library reads it yet.
     CString m_name;
     MCInstrument m_instrument;
     CArray<double, double> m_hzPitches;

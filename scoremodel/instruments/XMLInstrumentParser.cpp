@@ -40,35 +40,6 @@ int ReadDecimal(const char *text)
     return value > INT_MAX ? INT_MAX : static_cast<int>(value);
 }
 
-// Writes to a stdio file and remembers whether every byte got there.
-class FileWriter : public pugi::xml_writer
-{
-public:
-    explicit FileWriter(FILE *file, size_t failAfter) : m_file(file), m_failAfter(failAfter) {}
-    void write(const void *data, size_t size) override
-    {
-        if (m_failed)
-            return;
-        if (m_written + size > m_failAfter)
-        {
-            // The injected full disk: what fits goes out, then the error.
-            std::fwrite(data, 1, m_failAfter - m_written, m_file);
-            m_failed = true;
-            return;
-        }
-        if (std::fwrite(data, 1, size, m_file) != size)
-            m_failed = true;
-        m_written += size;
-    }
-    bool Failed() const { return m_failed; }
-
-private:
-    FILE *m_file;
-    size_t m_failAfter;
-    size_t m_written = 0;
-    bool m_failed = false;
-};
-
 // The reader is lenient where XML is not: it takes several root elements.
 // Such a file is damaged, not a list to edit.
 bool OneRootOnly(const pugi::xml_document &document)
@@ -92,6 +63,42 @@ void SyncFolder(const std::string &file)
         ::fsync(fd);
         ::close(fd);
     }
+}
+
+// Puts `text` at `target` through a temporary file beside it: written,
+// flushed and synced, then renamed over the target, so that the target is
+// either the old file or the whole new one. False, with no temporary left
+// and the target untouched, when any step fails.
+bool WriteAtomically(const std::string &target, const std::string &text)
+{
+    std::string temporary = target + ".XXXXXX";
+    const int fd = g_persistFault == InstrumentPersistFault::CreateTemporary
+                       ? -1
+                       : ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    FILE *file = ::fdopen(fd, "wb");
+    if (!file)
+    {
+        ::close(fd);
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    // The injected full disk takes the first half and then refuses.
+    const size_t room = g_persistFault == InstrumentPersistFault::WriteHalf ? text.size() / 2 : text.size();
+    bool ok = std::fwrite(text.data(), 1, room, file) == room && room == text.size();
+    ok = ok && std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0 &&
+         g_persistFault != InstrumentPersistFault::Sync;
+    ok = std::fclose(file) == 0 && ok;
+    ok = ok && g_persistFault != InstrumentPersistFault::Rename &&
+         std::rename(temporary.c_str(), target.c_str()) == 0;
+    if (!ok)
+    {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    SyncFolder(target);
+    return true;
 }
 } // namespace
 
@@ -333,51 +340,20 @@ int XMLInstrumentParser::Persist()
     const CString path = MCGetUserTabInstrumentsPath();
     std::string target;
     to_mbc(path, target);
-    bool saved = false;
     const size_t slash = target.rfind('/');
-    if (!target.empty() && (slash == std::string::npos || slash == 0 ||
-                            MCCreateFolder(CString::FromUtf8(target.substr(0, slash).c_str()))))
+    const bool folder = !target.empty() && (slash == std::string::npos || slash == 0 ||
+                                            MCCreateFolder(CString::FromUtf8(target.substr(0, slash).c_str())));
+    if (folder)
     {
-        std::string temporary = target + ".XXXXXX";
-        const int fd = g_persistFault == InstrumentPersistFault::CreateTemporary ? -1 : ::mkostemp(temporary.data(), O_CLOEXEC);
-        if (fd >= 0)
+        struct Collect : pugi::xml_writer
         {
-            FILE *file = ::fdopen(fd, "wb");
-            if (!file)
-                ::close(fd);
-            else
-            {
-                std::string text;
-                struct Collect : pugi::xml_writer
-                {
-                    std::string &out;
-                    explicit Collect(std::string &o) : out(o) {}
-                    void write(const void *data, size_t size) override
-                    {
-                        out.append(static_cast<const char *>(data), size);
-                    }
-                } collect(text);
-                Document().save(collect, "  ", pugi::format_default, pugi::encoding_utf8);
-                FileWriter writer(file, g_persistFault == InstrumentPersistFault::WriteHalf ? text.size() / 2
-                                                                                           : text.size());
-                writer.write(text.data(), text.size());
-                bool ok = !writer.Failed() && std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0 &&
-                          g_persistFault != InstrumentPersistFault::Sync;
-                ok = std::fclose(file) == 0 && ok;
-                ok = ok && g_persistFault != InstrumentPersistFault::Rename &&
-                     std::rename(temporary.c_str(), target.c_str()) == 0;
-                if (ok)
-                {
-                    SyncFolder(target);
-                    saved = true;
-                }
-            }
-            if (!saved)
-                ::unlink(temporary.c_str());
-        }
+            std::string text;
+            void write(const void *data, size_t size) override { text.append(static_cast<const char *>(data), size); }
+        } collect;
+        Document().save(collect, "  ", pugi::format_default, pugi::encoding_utf8);
+        if (WriteAtomically(target, collect.text))
+            return 1;
     }
-    if (saved)
-        return 1;
     CString message = MCLanguageManager::GetText(L"Util", L"ERROR_SAVE_FILE_F");
     // Replace, not Format: a path may hold a '%' of its own.
     message.Replace(L"%s", path.IsEmpty() ? CString(L"?") : path);
