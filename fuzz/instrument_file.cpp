@@ -21,15 +21,22 @@ int Quiet(const CString &, unsigned)
     return IDOK;
 }
 
-// One file per process, rewritten for every input.
+// One file per process, rewritten for every input and removed at exit.
 const std::string &InputPath()
 {
-    static const std::string path = [] {
-        const char *tmp = std::getenv("TMPDIR");
-        return std::string(tmp && *tmp ? tmp : "/tmp") + "/scoremodel-fuzz-instruments-" +
-               std::to_string(::getpid()) + ".xml";
-    }();
-    return path;
+    struct Input
+    {
+        std::string path;
+        Input()
+        {
+            const char *tmp = std::getenv("TMPDIR");
+            path = std::string(tmp && *tmp ? tmp : "/tmp") + "/scoremodel-fuzz-instruments-" +
+                   std::to_string(::getpid()) + ".xml";
+        }
+        ~Input() { std::remove(path.c_str()); }
+    };
+    static const Input input;
+    return input.path;
 }
 } // namespace
 
