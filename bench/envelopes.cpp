@@ -23,6 +23,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "BenchCollector.h"
+
 #ifdef SCOREMODEL_BENCH_PORTSMF
 #include <allegro.h>
 #endif

@@ -186,9 +186,17 @@
 #include <scoremodel/document/MCFileWriter.h>
 
 // Spelled pitch, intervals and notation systems.
+#include <scoremodel/pitch/MCHarmonicaConverter.h>
 #include <scoremodel/pitch/MCJianpu.h>
 #include <scoremodel/pitch/MCPitch.h>
 #include <scoremodel/pitch/MCPitchUtils.h>
+
+// Tablature instruments and their file.
+#include <scoremodel/instruments/GeneralMidiInstrumentList.h>
+#include <scoremodel/instruments/MCInstrument.h>
+#include <scoremodel/instruments/MCInstrumentManager.h>
+#include <scoremodel/instruments/XMLInstrumentParser.h>
+#include <scoremodel/instruments/XMLParser.h>
 
 // Plug-ins.
 #include <scoremodel/plugins/CPluginData.h>

@@ -2,10 +2,12 @@
 // the bytes, load bytes back, and name the cause of a failure.
 #pragma once
 
+#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/CArchive.h>
 
 #include <functional>
 #include <initializer_list>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -60,6 +62,32 @@ inline void Load(const Bytes &bytes, const std::function<void(CArchive &)> &read
     } freeLoaded{ar};
     read(ar);
 }
+
+// A 32-bit value as the archive stores it (little-endian).
+inline Bytes Le32(int value)
+{
+    Bytes out(4);
+    std::memcpy(out.data(), &value, 4);
+    return out;
+}
+
+// Loads as a document of `version` would, for the scope's duration.
+class VersionScope
+{
+public:
+    explicit VersionScope(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~VersionScope() { SetActiveArchiveVersionSource(m_previous); }
+    VersionScope(const VersionScope &) = delete;
+    VersionScope &operator=(const VersionScope &) = delete;
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};
 
 inline Bytes Concat(std::initializer_list<Bytes> parts)
 {

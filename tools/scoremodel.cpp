@@ -32,6 +32,7 @@
 #include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
+#include <scoremodel/instruments/MCInstrument.h>
 #include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/version.h>
@@ -53,6 +54,9 @@
 
 namespace
 {
+// The attachment type under which the demo's staff carries its instrument.
+constexpr int kTablatureViewCode = 4;
+
 std::string TimeText(const MCTime *time)
 {
     char text[64];
@@ -169,6 +173,21 @@ std::string EventLine(ECBase *event)
             line += std::string(" custom-flavor='") + CStringA(flavour).GetString() + "'";
         if (!root.IsEmpty())
             line += std::string(" custom-root='") + CStringA(root).GetString() + "'";
+    }
+    // Attachments that the tool knows show their fields.
+    for (int slot = 0; slot < event->GetData()->GetSize(); ++slot)
+    {
+        const DCBase *data = event->GetData()->GetAt(slot);
+        if (!data || !data->IsKindOf(RUNTIME_CLASS(MCInstrument)))
+            continue;
+        auto *instrument = static_cast<const MCInstrument *>(data);
+        line += " instrument=\"" + instrument->GetName().ToUtf8() + "\" description=\"" +
+                instrument->GetDescription().ToUtf8() + "\" strings=" + std::to_string(instrument->GetStringsCount()) +
+                " frets=" + std::to_string(instrument->GetFretsCount()) +
+                " distance=" + std::to_string(instrument->GetFingerDistance()) + " tunes=";
+        for (INT_PTR i = 0; i < instrument->GetTunes().GetSize(); ++i)
+            line += (i ? "," : "") + std::to_string(instrument->GetTunes()[i]);
+        line += " initialized=" + std::to_string(instrument->Initialized());
     }
     return line;
 }
@@ -404,6 +423,18 @@ int Demo(const char *path)
         measure->AddChild(e, 1);
     }
     staves[0]->AddChild(measure, 1);
+
+    // A tablature instrument carried as an attachment of the first staff (the
+    // staff deletes it with itself): a seven-string guitar.
+    {
+        CArray<int, int> tunes;
+        for (int tune : MCInstrument::FretsDefault)
+            tunes.Add(tune);
+        auto *guitar = new MCInstrument(L"7-String Guitar", L"standard tuning with a low B", 7, 24, 4, tunes);
+        guitar->SetTunes(tunes);
+        guitar->SetOwner(staves[0]);
+        staves[0]->GetData()->SetAtGrow(MCDataArray::TypeToIndex(kTablatureViewCode), guitar);
+    }
 
     MCDocumentFile::Save(doc.Get(), file.c_str());
     struct stat st;

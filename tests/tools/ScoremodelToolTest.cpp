@@ -95,6 +95,11 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
     EXPECT_NE(dump.out.find("meter=7/8 type=6 role=0 pulse=128 stresses=384/3,512/2 parts=3/8+2/4 at=5.0.0/480\n"),
               std::string::npos)
         << dump.out;
+    // The first staff's tablature instrument, an attachment, with its fields.
+    EXPECT_NE(dump.out.find(" instrument=\"7-String Guitar\" description=\"standard tuning with a low B\" strings=7 "
+                            "frets=24 distance=4 tunes=64,59,55,50,45,40,35 initialized=1\n"),
+              std::string::npos)
+        << dump.out;
 
     ToolRun info = Tool("info '" + file + "'");
     ASSERT_EQ(info.code, 0) << info.err;

@@ -30,6 +30,10 @@ enum ArchiveVersionThreshold : int
     ArchiveVersionAttachmentSlots = 3,
     // ECStaff: percussion fields, staff lines and staff size.
     ArchiveVersionStaffLayout = 5,
+    // MCInstrument: name, description and the three counts.
+    ArchiveVersionInstrumentFields = 5,
+    // MCInstrument: the tunes and the initialized word.
+    ArchiveVersionInstrumentTunes = 6,
     // ECTurn: accidentals in place of the old turn type.
     ArchiveVersionTurnAccidentals = 14,
     // ECStaff: the staff sizes of today (8 and 9 were 32 and 33).
