@@ -192,3 +192,7 @@
 
 // Plug-ins.
 #include <scoremodel/plugins/CPluginData.h>
+#include <scoremodel/plugins/CPlugin.h>
+#include <scoremodel/plugins/CPluginFileReader.h>
+#include <scoremodel/plugins/CPluginFileWriter.h>
+#include <scoremodel/plugins/CPluginFilter.h>
