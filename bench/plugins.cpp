@@ -1,0 +1,150 @@
+// The plug-in registries, asked each time the host makes a filter, a reader
+// or a data attachment.
+//
+//   lookup    CPluginFilter::FindPlugin(key) with 10 and 1,000 filters
+//             registered. Goal: flat in the number of filters (ratio <= 2).
+//   create    CreateFilter(key) and CPluginData::CreateData beside a plain
+//             `new` of the same class, the baseline. Goal: the registry adds
+//             at most twice the cost of the object itself (ratio <= 3).
+#include <scoremodel/events/base/DCBase.h>
+#include <scoremodel/events/base/LCBase.h>
+#include <scoremodel/plugins/CPluginData.h>
+#include <scoremodel/plugins/CPluginFilter.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <deque>
+#include <map>
+#include <string>
+
+namespace
+{
+class LCBenchFilter : public LCBase
+{
+    DECLARE_DYNCREATE(LCBenchFilter)
+};
+class DCBenchData : public DCBase
+{
+    DECLARE_DYNCREATE(DCBenchData)
+};
+} // namespace
+IMPLEMENT_DYNCREATE(LCBenchFilter, LCBase)
+IMPLEMENT_DYNCREATE(DCBenchData, DCBase)
+
+namespace
+{
+// Entries live for the process, as a plug-in's do; registering is
+// idempotent for a key, so the sizes only grow.
+std::deque<std::string> g_keys;
+std::deque<CPluginFilter> g_filters;
+
+void RegisterFilters(int count)
+{
+    while (static_cast<int>(g_filters.size()) < count)
+    {
+        g_keys.push_back("Bench.Filter." + std::to_string(g_filters.size()));
+        g_filters.emplace_back(RUNTIME_CLASS(LCBenchFilter), g_keys.back().c_str());
+        CPluginFilter::AddPlugin(&g_filters.back());
+    }
+}
+
+void BM_FindPlugin(benchmark::State &state)
+{
+    const int count = static_cast<int>(state.range(0));
+    RegisterFilters(count);
+    int i = 0;
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(CPluginFilter::FindPlugin(g_keys[i].c_str()));
+        if (++i == count)
+            i = 0;
+    }
+}
+BENCHMARK(BM_FindPlugin)->Arg(10)->Arg(1000);
+
+void BM_CreateFilter(benchmark::State &state)
+{
+    RegisterFilters(10);
+    for (auto _ : state)
+    {
+        LCBase *filter = CPluginFilter::CreateFilter(g_keys[3].c_str());
+        benchmark::DoNotOptimize(filter);
+        delete filter;
+    }
+}
+BENCHMARK(BM_CreateFilter);
+
+void BM_NewFilter(benchmark::State &state)
+{
+    for (auto _ : state)
+    {
+        LCBase *filter = new LCBenchFilter;
+        benchmark::DoNotOptimize(filter);
+        delete filter;
+    }
+}
+BENCHMARK(BM_NewFilter);
+
+void BM_CreateData(benchmark::State &state)
+{
+    static CPluginData entry(RUNTIME_CLASS(DCBenchData), 5, 37);
+    CPluginData::AddPlugin(&entry);
+    for (auto _ : state)
+    {
+        DCBase *data = CPluginData::CreateData(5, 37);
+        benchmark::DoNotOptimize(data);
+        delete data;
+    }
+}
+BENCHMARK(BM_CreateData);
+
+void BM_NewData(benchmark::State &state)
+{
+    for (auto _ : state)
+    {
+        DCBase *data = new DCBenchData;
+        benchmark::DoNotOptimize(data);
+        delete data;
+    }
+}
+BENCHMARK(BM_NewData);
+
+class Collector : public benchmark::ConsoleReporter
+{
+public:
+    std::map<std::string, double> ns;
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        for (const Run &run : runs)
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+                ns[run.benchmark_name()] = run.GetAdjustedCPUTime();
+        ConsoleReporter::ReportRuns(runs);
+    }
+    double Get(const std::string &name) const
+    {
+        auto it = ns.find(name);
+        return it == ns.end() ? 0.0 : it->second;
+    }
+};
+
+void PrintRatio(const char *what, double value, double baseline, double goal)
+{
+    const double ratio = baseline > 0 ? value / baseline : 0.0;
+    std::printf("  %-44s %7.1f ns vs %7.1f ns: ratio %5.2f (goal <= %.0f) %s\n", what, value, baseline, ratio, goal,
+                ratio <= goal ? "met" : "MISSED");
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    Collector c;
+    benchmark::RunSpecifiedBenchmarks(&c);
+    benchmark::Shutdown();
+    std::printf("\nplug-in registries\n");
+    PrintRatio("FindPlugin(key), 1,000 filters vs 10", c.Get("BM_FindPlugin/1000"), c.Get("BM_FindPlugin/10"), 2);
+    PrintRatio("CreateFilter(key) vs new", c.Get("BM_CreateFilter"), c.Get("BM_NewFilter"), 3);
+    PrintRatio("CPluginData::CreateData vs new", c.Get("BM_CreateData"), c.Get("BM_NewData"), 3);
+    return 0;
+}
