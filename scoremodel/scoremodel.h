@@ -134,6 +134,8 @@
 #include <scoremodel/events/media/ECVideo.h>
 #include <scoremodel/events/media/ECWave.h>
 #include <scoremodel/events/media/ECWaveTrack.h>
+#include <scoremodel/events/media/MCMediaFile.h>
+#include <scoremodel/events/media/RTFExtractor.h>
 
 // Commands and the undo history.
 #include <scoremodel/commands/CCAddTrack.h>
