@@ -198,3 +198,6 @@
 #include <scoremodel/plugins/CPluginFileReader.h>
 #include <scoremodel/plugins/CPluginFileWriter.h>
 #include <scoremodel/plugins/CPluginFilter.h>
+
+// Display text.
+#include <scoremodel/text/MCDisplayText.h>

@@ -220,7 +220,7 @@ private:
             Emit(L'\n');
         else if (word == "tab")
             Emit(L'\t');
-        else if (word == "u" && hasNumber)
+        else if (word == "u" && hasNumber && number >= -32768 && number <= 65535)
             EmitUnicode(number);
         else if (word == "uc" && hasNumber)
             Group().fallback = number < 0 ? 0 : static_cast<int>(number > 8 ? 8 : number);
