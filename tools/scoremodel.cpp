@@ -22,6 +22,11 @@
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
+#include <scoremodel/events/marks/ECSystemMessage.h>
+#include <scoremodel/events/media/ECFrame.h>
+#include <scoremodel/events/media/ECText.h>
+#include <scoremodel/events/media/ECVideo.h>
+#include <scoremodel/events/media/ECWave.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -68,6 +73,36 @@ std::string TimeText(const MCTime *time)
     }
 }
 
+// The fields of texts, frames, audio, video and system messages.
+std::string MediaFields(ECBase *event)
+{
+    char text[160];
+    auto fileText = [&](const MCMediaFile &file) {
+        std::snprintf(text, sizeof text, " offset=%lld length=%lld", file.GetOffset(), file.GetLength());
+        return " file=\"" + file.GetPath().ToUtf8() + "\"" + text;
+    };
+    if (event->IsKindOf(RUNTIME_CLASS(ECText)))
+    {
+        auto *t = static_cast<ECText *>(event);
+        return " text=\"" + t->GetText().ToUtf8() + "\" type=" + std::to_string(t->GetTextType());
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECFrame)))
+    {
+        auto *f = static_cast<ECFrame *>(event);
+        const CRect &r = f->GetFrame();
+        std::snprintf(text, sizeof text, " frame=%d,%d,%d,%d valid=%d", static_cast<int>(r.left),
+                      static_cast<int>(r.top), static_cast<int>(r.right), static_cast<int>(r.bottom), f->IsValid());
+        return text;
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECWave)))
+        return fileText(static_cast<ECWave *>(event)->GetMediaFile());
+    if (event->IsKindOf(RUNTIME_CLASS(ECVideo)))
+        return fileText(static_cast<ECVideo *>(event)->GetMediaFile());
+    if (event->IsKindOf(RUNTIME_CLASS(ECSystemMessage)))
+        return " sysex=\"" + static_cast<ECSystemMessage *>(event)->GetMessage().ConvertToString().ToUtf8() + "\"";
+    return std::string();
+}
+
 // One line for an event: class, id, time, voice and track.
 std::string EventLine(ECBase *event)
 {
@@ -95,6 +130,7 @@ std::string EventLine(ECBase *event)
                       point->GetStyle());
         line += text;
     }
+    line += MediaFields(event);
     return line;
 }
 
