@@ -191,6 +191,8 @@
 #include <scoremodel/pitch/MCJianpu.h>
 #include <scoremodel/pitch/MCPitch.h>
 #include <scoremodel/pitch/MCPitchUtils.h>
+#include <scoremodel/pitch/MapItem.h>
+#include <scoremodel/pitch/MCDrumMap.h>
 
 // Plug-ins.
 #include <scoremodel/plugins/CPluginData.h>
