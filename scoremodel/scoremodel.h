@@ -145,6 +145,9 @@
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/commands/MCCommandTimer.h>
 #include <scoremodel/commands/MCUndoItem.h>
+#include <scoremodel/commands/MCOleDataIn.h>
+#include <scoremodel/commands/MCOleDataInfo.h>
+#include <scoremodel/commands/MCOleDataOut.h>
 
 // Walks over the tree.
 #include <scoremodel/actions/ACBase.h>
