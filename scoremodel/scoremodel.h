@@ -148,6 +148,7 @@
 #include <scoremodel/commands/MCOleDataIn.h>
 #include <scoremodel/commands/MCOleDataInfo.h>
 #include <scoremodel/commands/MCOleDataOut.h>
+#include <scoremodel/commands/CCOrderTracks.h>
 
 // Walks over the tree.
 #include <scoremodel/actions/ACBase.h>
