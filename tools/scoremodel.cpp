@@ -22,6 +22,7 @@
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
+#include <scoremodel/events/marks/ECFlowControl.h>
 #include <scoremodel/events/marks/ECSystemMessage.h>
 #include <scoremodel/events/media/ECFrame.h>
 #include <scoremodel/events/media/ECText.h>
@@ -73,7 +74,7 @@ std::string TimeText(const MCTime *time)
     }
 }
 
-// The fields of texts, frames, audio, video and system messages.
+// The fields of texts, frames, audio, video, flow marks and system messages.
 std::string MediaFields(ECBase *event)
 {
     char text[160];
@@ -98,6 +99,8 @@ std::string MediaFields(ECBase *event)
         return fileText(static_cast<ECWave *>(event)->GetMediaFile());
     if (event->IsKindOf(RUNTIME_CLASS(ECVideo)))
         return fileText(static_cast<ECVideo *>(event)->GetMediaFile());
+    if (event->IsKindOf(RUNTIME_CLASS(ECFlowControl)))
+        return " flow=" + std::to_string(static_cast<ECFlowControl *>(event)->GetFlowKind());
     if (event->IsKindOf(RUNTIME_CLASS(ECSystemMessage)))
         return " sysex=\"" + static_cast<ECSystemMessage *>(event)->GetMessage().ConvertToString().ToUtf8() + "\"";
     return std::string();

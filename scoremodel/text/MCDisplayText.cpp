@@ -63,3 +63,17 @@ CString GetEventString(ECBase *event)
 {
     return event ? GetEventString(event->GetEventId()) : CString();
 }
+
+CString GetFlowControlString(int kind)
+{
+    // By ECFlowControl::FlowKind, from FlowSegno.
+    static const wchar_t *const kKeys[] = {
+        L"IDS_DM_FLOW_SEGNO",     L"IDS_DM_FLOW_CODA",           L"IDS_DM_FLOW_FINE",
+        L"IDS_DM_FLOW_DC",        L"IDS_DM_FLOW_DC_AL_FINE",     L"IDS_DM_FLOW_DC_AL_CODA",
+        L"IDS_DM_FLOW_DS",        L"IDS_DM_FLOW_DS_AL_FINE",     L"IDS_DM_FLOW_DS_AL_CODA",
+        L"IDS_DM_FLOW_TO_CODA"};
+    const int index = kind - 1;
+    if (index < 0 || index >= static_cast<int>(sizeof kKeys / sizeof kKeys[0]))
+        return CString();
+    return GetTextFromID(kKeys[index]);
+}

@@ -35,3 +35,8 @@ SCOREMODEL_API CString GetEventStringKey(int eventId);
 // an id without a class.
 SCOREMODEL_API CString GetEventString(int eventId);
 SCOREMODEL_API CString GetEventString(ECBase *event);
+
+// The words of a flow-control kind (ECFlowControl::FlowKind), under
+// IDS_DM_FLOW_ and its name: "D.S. al Coda" for FlowDalSegnoAlCoda. Empty for
+// FlowNone and any other number.
+SCOREMODEL_API CString GetFlowControlString(int kind);

@@ -4,6 +4,7 @@
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/base/EventRegistry.h>
+#include <scoremodel/events/marks/ECFlowControl.h>
 #include <scoremodel/text/MCDisplayText.h>
 
 #include <gtest/gtest.h>
@@ -73,4 +74,18 @@ TEST(MCDisplayText, TextsComeFromTheDataModelSection)
     EXPECT_EQ(GetEventString(text), CString(L"Text"));
     text->Ref();
     text->Unref(1);
+}
+
+TEST(MCDisplayText, EveryFlowKindHasWordsAndNothingElseHas)
+{
+    std::set<std::string> words;
+    for (int kind = ECFlowControl::FlowSegno; kind <= ECFlowControl::FlowLast; ++kind)
+    {
+        const std::string text = GetFlowControlString(kind).ToUtf8();
+        EXPECT_FALSE(text.empty()) << kind;
+        EXPECT_TRUE(words.insert(text).second) << kind << " says what another kind says: " << text;
+    }
+    EXPECT_EQ(GetFlowControlString(ECFlowControl::FlowDalSegnoAlCoda), CString(L"D.S. al Coda"));
+    for (int kind : {static_cast<int>(ECFlowControl::FlowNone), ECFlowControl::FlowLast + 1, -1, 1000})
+        EXPECT_EQ(GetFlowControlString(kind), CString()) << kind;
 }

@@ -4,6 +4,7 @@
 // defaults, and a corrupt message length is refused, not allocated.
 #include "events/ArchiveTestSupport.h"
 
+#include <scoremodel/events/marks/ECFlowControl.h>
 #include <scoremodel/events/marks/ECSystemMessage.h>
 #include <scoremodel/events/media/ECFrame.h>
 #include <scoremodel/events/media/ECLyric.h>
@@ -106,6 +107,15 @@ std::vector<RecordCase> Cases()
              return static_cast<ECVideo *>(a)->GetMediaFile() == static_cast<ECVideo *>(b)->GetMediaFile();
          },
          [](ECBase *e) { return static_cast<ECVideo *>(e)->GetMediaFile() == MCMediaFile(); }},
+        {"ECFlowControl",
+         [] {
+             auto *e = Make<ECFlowControl>();
+             e->SetFlowKind(ECFlowControl::FlowDalSegnoAlCoda);
+             return e;
+         },
+         [](CArchive &ar) { ar << BYTE(9); },
+         [](ECBase *a, ECBase *b) { return *static_cast<ECFlowControl *>(a) == *static_cast<ECFlowControl *>(b); },
+         [](ECBase *e) { return static_cast<ECFlowControl *>(e)->GetFlowKind() == ECFlowControl::FlowNone; }},
         {"ECSystemMessage",
          [] {
              auto *e = Make<ECSystemMessage>();
@@ -257,6 +267,13 @@ TEST(MediaValues, SettersRefuseWhatCannotBe)
                                              << f.rect.bottom;
     }
     Release(frame);
+
+    ECFlowControl *flow = Make<ECFlowControl>();
+    flow->SetFlowKind(ECFlowControl::FlowCoda);
+    flow->SetFlowKind(ECFlowControl::FlowLast + 1);
+    flow->SetFlowKind(-1);
+    EXPECT_EQ(flow->GetFlowKind(), ECFlowControl::FlowCoda);
+    Release(flow);
 
     MCMediaFile file(L"a.wav", -5, -6);
     EXPECT_EQ(file.GetOffset(), 0);
