@@ -1,7 +1,6 @@
 #include <scoremodel/plugins/CPluginFileReader.h>
 
 #include <scoremodel/document/MCFileReader.h>
-#include <scoremodel/events/base/MCPtrList.h>
 #include <scoremodel/plugins/PluginRegistry.h>
 
 namespace
@@ -19,23 +18,16 @@ CPluginFileReader::~CPluginFileReader() = default;
 
 void CPluginFileReader::AddPlugin(CPluginFileReader *entry)
 {
-    if (entry)
-        s_registry.AddTail(entry);
+    PluginFileList::Add(s_registry, entry);
 }
 
 void CPluginFileReader::RemovePlugin(CPluginFileReader *entry)
 {
-    if (POSITION pos = s_registry.Find(entry))
-        s_registry.RemoveAt(pos);
+    PluginFileList::Remove(s_registry, entry);
 }
 
 MCFileReader *CPluginFileReader::CreateReader(int type)
 {
-    for (POSITION pos = s_registry.GetHeadPosition(); pos;)
-    {
-        auto *entry = static_cast<CPluginFileReader *>(s_registry.GetNext(pos));
-        if (entry && entry->m_fileType == type)
-            return static_cast<MCFileReader *>(CreatePluginObject(entry->m_fileClass, RUNTIME_CLASS(MCFileReader)));
-    }
-    return nullptr;
+    return static_cast<MCFileReader *>(
+        PluginFileList::CreateFirst<CPluginFileReader>(s_registry, type, RUNTIME_CLASS(MCFileReader)));
 }

@@ -1,7 +1,6 @@
 #include <scoremodel/plugins/CPluginFileWriter.h>
 
 #include <scoremodel/document/MCFileWriter.h>
-#include <scoremodel/events/base/MCPtrList.h>
 #include <scoremodel/plugins/PluginRegistry.h>
 
 namespace
@@ -19,23 +18,16 @@ CPluginFileWriter::~CPluginFileWriter() = default;
 
 void CPluginFileWriter::AddPlugin(CPluginFileWriter *entry)
 {
-    if (entry)
-        s_registry.AddTail(entry);
+    PluginFileList::Add(s_registry, entry);
 }
 
 void CPluginFileWriter::RemovePlugin(CPluginFileWriter *entry)
 {
-    if (POSITION pos = s_registry.Find(entry))
-        s_registry.RemoveAt(pos);
+    PluginFileList::Remove(s_registry, entry);
 }
 
 MCFileWriter *CPluginFileWriter::CreateWriter(int type)
 {
-    for (POSITION pos = s_registry.GetHeadPosition(); pos;)
-    {
-        auto *entry = static_cast<CPluginFileWriter *>(s_registry.GetNext(pos));
-        if (entry && entry->m_fileType == type)
-            return static_cast<MCFileWriter *>(CreatePluginObject(entry->m_fileClass, RUNTIME_CLASS(MCFileWriter)));
-    }
-    return nullptr;
+    return static_cast<MCFileWriter *>(
+        PluginFileList::CreateFirst<CPluginFileWriter>(s_registry, type, RUNTIME_CLASS(MCFileWriter)));
 }
