@@ -67,6 +67,20 @@ bool ParseItem(int note, const std::string &text, MapItem &item)
     item.SetPlayNote(values[3]);
     return true;
 }
+
+// Replaces the map's items with those of the section. A free function, so
+// the INI reader stays out of the exported class.
+void Fill(MCDrumMap &map, const MCIniFile &ini)
+{
+    map.RemoveAll();
+    for (int note = 0; note < 128; ++note)
+    {
+        const std::string *value = ini.Find(MCDrumMap::kSection, std::to_string(note));
+        MapItem item;
+        if (value && ParseItem(note, *value, item))
+            map.SetItem(item);
+    }
+}
 } // namespace
 
 MCDrumMap::MCDrumMap()
@@ -88,20 +102,9 @@ void MCDrumMap::LoadText(const CStringA &text)
 {
     MCIniFile ini;
     ini.Parse(std::string_view(text.GetString(), static_cast<size_t>(text.GetLength())));
-    Fill(ini);
+    Fill(*this, ini);
 }
 
-void MCDrumMap::Fill(const MCIniFile &ini)
-{
-    RemoveAll();
-    for (int note = 0; note < 128; ++note)
-    {
-        const std::string *value = ini.Find(kSection, std::to_string(note));
-        MapItem item;
-        if (value && ParseItem(note, *value, item))
-            SetItem(item);
-    }
-}
 
 int MCDrumMap::Load(const CString &path)
 {
@@ -109,7 +112,7 @@ int MCDrumMap::Load(const CString &path)
     MCIniFile ini;
     if (ini.Load(path.ToUtf8()) != MCIniFile::ok)
         return 0;
-    Fill(ini);
+    Fill(*this, ini);
     return 1;
 }
 

@@ -30,7 +30,6 @@
 #include <scoremodel/platform/CString.h>
 
 class CArchive;
-class MCIniFile;
 
 class SCOREMODEL_API MCDrumMap
 {
@@ -63,8 +62,6 @@ public:
     bool operator!=(const MCDrumMap &other) const { return !(*this == other); }
 
 private:
-    void Fill(const MCIniFile &ini);
-
     MapItem m_items[128];
     bool m_used[128];
     int m_nCount = 0;
