@@ -24,6 +24,7 @@
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
 #include <scoremodel/events/marks/ECFlowControl.h>
 #include <scoremodel/events/marks/ECSystemMessage.h>
+#include <scoremodel/events/media/ECDrawing.h>
 #include <scoremodel/events/media/ECFrame.h>
 #include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/media/ECVideo.h>
@@ -74,7 +75,8 @@ std::string TimeText(const MCTime *time)
     }
 }
 
-// The fields of texts, frames, audio, video, flow marks and system messages.
+// The fields of texts, frames, drawings, audio, video, flow marks and system
+// messages.
 std::string MediaFields(ECBase *event)
 {
     char text[160];
@@ -93,6 +95,14 @@ std::string MediaFields(ECBase *event)
         const CRect &r = f->GetFrame();
         std::snprintf(text, sizeof text, " frame=%d,%d,%d,%d valid=%d", static_cast<int>(r.left),
                       static_cast<int>(r.top), static_cast<int>(r.right), static_cast<int>(r.bottom), f->IsValid());
+        return text;
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECDrawing)))
+    {
+        auto *d = static_cast<ECDrawing *>(event);
+        const CRect &r = d->GetBounds();
+        std::snprintf(text, sizeof text, " shape=%d bounds=%d,%d,%d,%d", d->GetShape(), static_cast<int>(r.left),
+                      static_cast<int>(r.top), static_cast<int>(r.right), static_cast<int>(r.bottom));
         return text;
     }
     if (event->IsKindOf(RUNTIME_CLASS(ECWave)))

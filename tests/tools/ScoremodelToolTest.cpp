@@ -189,7 +189,7 @@ TEST_F(ScoremodelToolTest, FailedWritesAndSavesSayWhatFailed)
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
 }
 
-TEST_F(ScoremodelToolTest, DumpShowsTheFieldsOfTextsFramesAudioFlowMarksAndSystemMessages)
+TEST_F(ScoremodelToolTest, DumpShowsTheFieldsOfTextsFramesDrawingsAudioFlowMarksAndSystemMessages)
 {
     struct Case
     {
@@ -200,6 +200,7 @@ TEST_F(ScoremodelToolTest, DumpShowsTheFieldsOfTextsFramesAudioFlowMarksAndSyste
         {"fields_30.smd", "ECLyric id=30 time=none voice=15 track=2047 text=\"la-\" type=4\n"},
         {"fields_25.smd", "ECFrame id=25 time=none voice=15 track=2047 frame=10,20,300,400 valid=1\n"},
         {"fields_71.smd", "ECWave id=71 time=none voice=15 track=2047 file=\"take3.wav\" offset=44100 length=88200\n"},
+        {"fields_77.smd", "ECDrawing id=77 shape=1 bounds=5,6,70,80\n"},
         {"fields_24.smd", "ECFlowControl id=24 time=none voice=15 track=2047 flow=9\n"},
         {"fields_56.smd", "ECSystemMessage id=56 time=none voice=15 track=2047 sysex=\"f0 43 10 4c 00 00 7e 00 f7 \"\n"},
     };

@@ -6,6 +6,7 @@
 
 #include <scoremodel/events/marks/ECFlowControl.h>
 #include <scoremodel/events/marks/ECSystemMessage.h>
+#include <scoremodel/events/media/ECDrawing.h>
 #include <scoremodel/events/media/ECFrame.h>
 #include <scoremodel/events/media/ECLyric.h>
 #include <scoremodel/events/media/ECText.h>
@@ -86,6 +87,24 @@ std::vector<RecordCase> Cases()
          [](CArchive &ar) { ar << LONG(10) << LONG(20) << LONG(310) << LONG(420); },
          [](ECBase *a, ECBase *b) { return *static_cast<ECFrame *>(a) == *static_cast<ECFrame *>(b); },
          [](ECBase *e) { return static_cast<ECFrame *>(e)->GetFrame().IsRectNull(); }},
+        {"ECDrawing",
+         [] {
+             auto *e = Make<ECDrawing>();
+             e->SetShape(ECDrawing::ShapeEllipse);
+             e->SetBounds(CRect(300, 40, -20, 90)); // a line may point any way; the bounds stay as given
+             return e;
+         },
+         [](CArchive &ar) { ar << BYTE(2) << LONG(300) << LONG(40) << LONG(-20) << LONG(90); },
+         // ECBase's operator== is identity, so a drawing compares its fields.
+         [](ECBase *a, ECBase *b) {
+             auto *x = static_cast<ECDrawing *>(a);
+             auto *y = static_cast<ECDrawing *>(b);
+             return x->GetShape() == y->GetShape() && x->GetBounds() == y->GetBounds();
+         },
+         [](ECBase *e) {
+             auto *d = static_cast<ECDrawing *>(e);
+             return d->GetShape() == ECDrawing::ShapeLine && d->GetBounds().IsRectNull();
+         }},
         {"ECWave",
          [clip] {
              auto *e = Make<ECWave>();
@@ -267,6 +286,13 @@ TEST(MediaValues, SettersRefuseWhatCannotBe)
                                              << f.rect.bottom;
     }
     Release(frame);
+
+    ECDrawing *drawing = Make<ECDrawing>();
+    drawing->SetShape(ECDrawing::ShapeRectangle);
+    drawing->SetShape(ECDrawing::ShapeLast + 1);
+    drawing->SetShape(-1);
+    EXPECT_EQ(drawing->GetShape(), ECDrawing::ShapeRectangle);
+    Release(drawing);
 
     ECFlowControl *flow = Make<ECFlowControl>();
     flow->SetFlowKind(ECFlowControl::FlowCoda);
