@@ -63,26 +63,28 @@ void BM_FindPlugin(benchmark::State &state)
 }
 BENCHMARK(BM_FindPlugin)->Arg(10)->Arg(1000);
 
+// Makes and deletes one object per iteration.
+template <class MAKE>
+void MakeAndDelete(benchmark::State &state, MAKE make)
+{
+    for (auto _ : state)
+    {
+        CObject *object = make();
+        benchmark::DoNotOptimize(object);
+        delete object;
+    }
+}
+
 void BM_CreateFilter(benchmark::State &state)
 {
     RegisterFilters(10);
-    for (auto _ : state)
-    {
-        LCBase *filter = CPluginFilter::CreateFilter(g_keys[3].c_str());
-        benchmark::DoNotOptimize(filter);
-        delete filter;
-    }
+    MakeAndDelete(state, [] { return CPluginFilter::CreateFilter(g_keys[3].c_str()); });
 }
 BENCHMARK(BM_CreateFilter);
 
 void BM_NewFilter(benchmark::State &state)
 {
-    for (auto _ : state)
-    {
-        LCBase *filter = new LCBenchFilter;
-        benchmark::DoNotOptimize(filter);
-        delete filter;
-    }
+    MakeAndDelete(state, [] { return new LCBenchFilter; });
 }
 BENCHMARK(BM_NewFilter);
 
@@ -90,23 +92,13 @@ void BM_CreateData(benchmark::State &state)
 {
     static CPluginData entry(RUNTIME_CLASS(DCBenchData), 5, 37);
     CPluginData::AddPlugin(&entry);
-    for (auto _ : state)
-    {
-        DCBase *data = CPluginData::CreateData(5, 37);
-        benchmark::DoNotOptimize(data);
-        delete data;
-    }
+    MakeAndDelete(state, [] { return CPluginData::CreateData(5, 37); });
 }
 BENCHMARK(BM_CreateData);
 
 void BM_NewData(benchmark::State &state)
 {
-    for (auto _ : state)
-    {
-        DCBase *data = new DCBenchData;
-        benchmark::DoNotOptimize(data);
-        delete data;
-    }
+    MakeAndDelete(state, [] { return new DCBenchData; });
 }
 BENCHMARK(BM_NewData);
 
