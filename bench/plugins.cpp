@@ -11,6 +11,8 @@
 #include <scoremodel/plugins/CPluginData.h>
 #include <scoremodel/plugins/CPluginFilter.h>
 
+#include "BenchCollector.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -102,23 +104,6 @@ void BM_NewData(benchmark::State &state)
 }
 BENCHMARK(BM_NewData);
 
-class Collector : public benchmark::ConsoleReporter
-{
-public:
-    std::map<std::string, double> ns;
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                ns[run.benchmark_name()] = run.GetAdjustedCPUTime();
-        ConsoleReporter::ReportRuns(runs);
-    }
-    double Get(const std::string &name) const
-    {
-        auto it = ns.find(name);
-        return it == ns.end() ? 0.0 : it->second;
-    }
-};
 
 void PrintRatio(const char *what, double value, double baseline, double goal)
 {
@@ -131,7 +116,7 @@ void PrintRatio(const char *what, double value, double baseline, double goal)
 int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
-    Collector c;
+    BenchCollector c;
     benchmark::RunSpecifiedBenchmarks(&c);
     benchmark::Shutdown();
     std::printf("\nplug-in registries\n");
