@@ -18,8 +18,13 @@ public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
         for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+        {
+            // With --benchmark_repetitions the median stands for the run.
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0 && !ns.count(run.run_name.str()))
                 ns[run.benchmark_name()] = run.GetAdjustedCPUTime() * ToNanoseconds(run.time_unit);
+            else if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+                ns[run.run_name.str()] = run.GetAdjustedCPUTime() * ToNanoseconds(run.time_unit);
+        }
         ConsoleReporter::ReportRuns(runs);
     }
     // 0 for a run that did not take place.

@@ -22,7 +22,7 @@
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
 
-#include "BenchCollector.h"
+#include "BenchReport.h"
 
 #include <algorithm>
 #include <array>

@@ -134,6 +134,8 @@
 #include <scoremodel/events/media/ECVideo.h>
 #include <scoremodel/events/media/ECWave.h>
 #include <scoremodel/events/media/ECWaveTrack.h>
+#include <scoremodel/events/media/MCMediaFile.h>
+#include <scoremodel/events/media/RTFExtractor.h>
 
 // Commands and the undo history.
 #include <scoremodel/commands/CCAddTrack.h>
@@ -143,6 +145,10 @@
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/commands/MCCommandTimer.h>
 #include <scoremodel/commands/MCUndoItem.h>
+#include <scoremodel/commands/MCOleDataIn.h>
+#include <scoremodel/commands/MCOleDataInfo.h>
+#include <scoremodel/commands/MCOleDataOut.h>
+#include <scoremodel/commands/CCOrderTracks.h>
 
 // Walks over the tree.
 #include <scoremodel/actions/ACBase.h>
@@ -190,6 +196,8 @@
 #include <scoremodel/pitch/MCJianpu.h>
 #include <scoremodel/pitch/MCPitch.h>
 #include <scoremodel/pitch/MCPitchUtils.h>
+#include <scoremodel/pitch/MapItem.h>
+#include <scoremodel/pitch/MCDrumMap.h>
 
 // Tablature instruments and their file.
 #include <scoremodel/instruments/GeneralMidiInstrumentList.h>
@@ -200,3 +208,10 @@
 
 // Plug-ins.
 #include <scoremodel/plugins/CPluginData.h>
+#include <scoremodel/plugins/CPlugin.h>
+#include <scoremodel/plugins/CPluginFileReader.h>
+#include <scoremodel/plugins/CPluginFileWriter.h>
+#include <scoremodel/plugins/CPluginFilter.h>
+
+// Display text.
+#include <scoremodel/text/MCDisplayText.h>

@@ -27,6 +27,13 @@
 #include <scoremodel/events/signatures/ECKey.h>
 #include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/events/signatures/ECMeterEnv.h>
+#include <scoremodel/events/marks/ECFlowControl.h>
+#include <scoremodel/events/marks/ECSystemMessage.h>
+#include <scoremodel/events/media/ECDrawing.h>
+#include <scoremodel/events/media/ECFrame.h>
+#include <scoremodel/events/media/ECText.h>
+#include <scoremodel/events/media/ECVideo.h>
+#include <scoremodel/events/media/ECWave.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECMeasure.h>
@@ -115,6 +122,47 @@ std::string MeterText(ECMeter *meter)
     return text;
 }
 
+// The fields of texts, frames, drawings, audio, video, flow marks and system
+// messages.
+std::string MediaFields(ECBase *event)
+{
+    char text[160];
+    auto fileText = [&](const MCMediaFile &file) {
+        std::snprintf(text, sizeof text, " offset=%lld length=%lld", file.GetOffset(), file.GetLength());
+        return " file=\"" + file.GetPath().ToUtf8() + "\"" + text;
+    };
+    if (event->IsKindOf(RUNTIME_CLASS(ECText)))
+    {
+        auto *t = static_cast<ECText *>(event);
+        return " text=\"" + t->GetText().ToUtf8() + "\" type=" + std::to_string(t->GetTextType());
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECFrame)))
+    {
+        auto *f = static_cast<ECFrame *>(event);
+        const CRect &r = f->GetFrame();
+        std::snprintf(text, sizeof text, " frame=%d,%d,%d,%d valid=%d", static_cast<int>(r.left),
+                      static_cast<int>(r.top), static_cast<int>(r.right), static_cast<int>(r.bottom), f->IsValid());
+        return text;
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECDrawing)))
+    {
+        auto *d = static_cast<ECDrawing *>(event);
+        const CRect &r = d->GetBounds();
+        std::snprintf(text, sizeof text, " shape=%d bounds=%d,%d,%d,%d", d->GetShape(), static_cast<int>(r.left),
+                      static_cast<int>(r.top), static_cast<int>(r.right), static_cast<int>(r.bottom));
+        return text;
+    }
+    if (event->IsKindOf(RUNTIME_CLASS(ECWave)))
+        return fileText(static_cast<ECWave *>(event)->GetMediaFile());
+    if (event->IsKindOf(RUNTIME_CLASS(ECVideo)))
+        return fileText(static_cast<ECVideo *>(event)->GetMediaFile());
+    if (event->IsKindOf(RUNTIME_CLASS(ECFlowControl)))
+        return " flow=" + std::to_string(static_cast<ECFlowControl *>(event)->GetFlowKind());
+    if (event->IsKindOf(RUNTIME_CLASS(ECSystemMessage)))
+        return " sysex=\"" + static_cast<ECSystemMessage *>(event)->GetMessage().ConvertToString().ToUtf8() + "\"";
+    return std::string();
+}
+
 // One line for an event: class, id, time, voice and track.
 std::string EventLine(ECBase *event)
 {
@@ -189,6 +237,7 @@ std::string EventLine(ECBase *event)
             line += (i ? "," : "") + std::to_string(instrument->GetTunes()[i]);
         line += " initialized=" + std::to_string(instrument->Initialized());
     }
+    line += MediaFields(event);
     return line;
 }
 

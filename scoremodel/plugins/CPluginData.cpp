@@ -2,6 +2,7 @@
 
 #include <scoremodel/events/base/DCBase.h>
 #include <scoremodel/events/base/ECBase.h>
+#include <scoremodel/plugins/PluginRegistry.h>
 
 CRuntimeClass *CPluginData::s_plugins[kViewCodes][kEventTypes] = {};
 
@@ -44,18 +45,7 @@ void CPluginData::RemovePlugin(CPluginData *data)
 
 DCBase *CPluginData::CreateData(int viewCode, int eventType)
 {
-    CRuntimeClass *dataClass = GetDataClass(viewCode, eventType);
-    if (!dataClass || !dataClass->IsDerivedFrom(RUNTIME_CLASS(DCBase)))
-        return nullptr;
-    CObject *object = dataClass->CreateObject();
-    if (!object)
-        return nullptr;
-    if (!object->IsKindOf(RUNTIME_CLASS(DCBase)))
-    {
-        delete object;
-        return nullptr;
-    }
-    return static_cast<DCBase *>(object);
+    return static_cast<DCBase *>(CreatePluginObject(GetDataClass(viewCode, eventType), RUNTIME_CLASS(DCBase)));
 }
 
 DCBase *CPluginData::CreateData(int viewCode, ECBase *event)

@@ -27,11 +27,12 @@
 #include <scoremodel/Export.h>
 
 #include <scoremodel/platform/CObject.h>
+#include <scoremodel/plugins/CPlugin.h>
 
 class DCBase;
 class ECBase;
 
-class SCOREMODEL_API CPluginData
+class SCOREMODEL_API CPluginData : public CPlugin
 {
 public:
     // Rows (view codes) and columns (event types) of the table.
@@ -39,7 +40,7 @@ public:
     static constexpr int kEventTypes = 80;
 
     CPluginData(CRuntimeClass *dataClass, int viewCode, int eventType);
-    virtual ~CPluginData();
+    ~CPluginData() override;
 
     CRuntimeClass *GetDataClass() const { return m_dataClass; }
     void SetDataClass(CRuntimeClass *dataClass) { m_dataClass = dataClass; }

@@ -24,5 +24,16 @@ int main()
         return 1;
     }
     std::printf("consumer reads '%s' from %s\n", largo.ToUtf8().c_str(), MCGetDataFolder().ToUtf8().c_str());
+
+    // The plug-in the test dropped into the installed plug-in folder.
+    CPlugin::Initialize();
+    LCBase *filter = CPluginFilter::CreateFilter("Consumer");
+    if (!filter || !CPlugin::GetModuleHandleW(4242))
+    {
+        std::fprintf(stderr, "no plug-in loaded from %s\n", CPlugin::GetPluginFolder().ToUtf8().c_str());
+        return 1;
+    }
+    delete filter;
+    std::printf("consumer loads a plug-in from %s\n", CPlugin::GetPluginFolder().ToUtf8().c_str());
     return 0;
 }

@@ -23,6 +23,10 @@ function(expect_installed_data output)
   if(at EQUAL -1)
     message(FATAL_ERROR "the consumer did not read the installed data:\n${output}")
   endif()
+  string(FIND "${output}" "plug-in from ${PREFIX}/" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "the consumer did not load the installed plug-in:\n${output}")
+  endif()
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${SCOREMODEL_BINARY_DIR} --prefix ${PREFIX})
@@ -66,6 +70,13 @@ run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build -G Ninja
     -DCMAKE_PREFIX_PATH=${PREFIX} -DCMAKE_CXX_COMPILER=${CXX}
     -DCMAKE_BUILD_RPATH=${PREFIX}/lib)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+# The plug-in folder is installed beside the library, and a plug-in dropped
+# into it is loaded by every consumer below.
+get_filename_component(LIBRARY_DIR "${LIBRARY}" DIRECTORY)
+if(NOT IS_DIRECTORY ${LIBRARY_DIR}/PlugIns)
+  message(FATAL_ERROR "no plug-in folder installed beside ${LIBRARY}")
+endif()
+file(COPY ${WORK_DIR}/build/consumer.so DESTINATION ${LIBRARY_DIR}/PlugIns)
 run(${WORK_DIR}/build/consumer)
 message(STATUS "cmake consumer: ${LAST_OUTPUT}")
 expect_installed_data("${LAST_OUTPUT}")

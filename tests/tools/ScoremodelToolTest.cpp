@@ -209,3 +209,27 @@ TEST_F(ScoremodelToolTest, FailedWritesAndSavesSayWhatFailed)
     for (const char *word : {"Exit codes", "SCOREMODEL_DATA_DIR", "SCOREMODEL_USER_DIR", "SCOREMODEL_NODE_POOL"})
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
 }
+
+TEST_F(ScoremodelToolTest, DumpShowsTheFieldsOfTextsFramesDrawingsAudioFlowMarksAndSystemMessages)
+{
+    struct Case
+    {
+        const char *file;
+        const char *line;
+    } const cases[] = {
+        {"fields_59.smd", "ECText id=59 time=none voice=15 track=2047 text=\"Allegro ma non troppo\" type=21\n"},
+        {"fields_30.smd", "ECLyric id=30 time=none voice=15 track=2047 text=\"la-\" type=4\n"},
+        {"fields_25.smd", "ECFrame id=25 time=none voice=15 track=2047 frame=10,20,300,400 valid=1\n"},
+        {"fields_71.smd", "ECWave id=71 time=none voice=15 track=2047 file=\"take3.wav\" offset=44100 length=88200\n"},
+        {"fields_77.smd", "ECDrawing id=77 shape=1 bounds=5,6,70,80\n"},
+        {"fields_24.smd", "ECFlowControl id=24 time=none voice=15 track=2047 flow=9\n"},
+        {"fields_56.smd", "ECSystemMessage id=56 time=none voice=15 track=2047 sysex=\"f0 43 10 4c 00 00 7e 00 f7 \"\n"},
+    };
+    for (const Case &c : cases)
+    {
+        const std::string path = std::string(SCOREMODEL_TEST_SOURCE_DIR) + "/fuzz/corpus/load_document/" + c.file;
+        ToolRun dump = Tool("dump '" + path + "'");
+        ASSERT_EQ(dump.code, 0) << c.file << ": " << dump.err;
+        EXPECT_NE(dump.out.find(c.line), std::string::npos) << dump.out;
+    }
+}

@@ -3,7 +3,7 @@
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/CArchive.h>
 
-IMPLEMENT_SERIAL(ECLyric, ECText, VERSIONABLE_SCHEMA | 2)
+IMPLEMENT_SERIAL(ECLyric, ECText, VERSIONABLE_SCHEMA | 3)
 
 ECLyric::~ECLyric() = default;
 

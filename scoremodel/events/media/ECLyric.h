@@ -2,7 +2,8 @@
 //
 // A new one lasts MCTime::TimeZero(); operator= copies the duration.
 //
-// Archive record: that of ECText, then the duration (MCTime record).
+// Archive record (schema 3, the text fields of ECText): that of ECText, then
+// the duration (MCTime record).
 #pragma once
 
 #include <scoremodel/Export.h>

@@ -1,6 +1,6 @@
 #include <scoremodel/events/media/ECLyricBlock.h>
 
-IMPLEMENT_SERIAL(ECLyricBlock, ECLyric, VERSIONABLE_SCHEMA | 2)
+IMPLEMENT_SERIAL(ECLyricBlock, ECLyric, VERSIONABLE_SCHEMA | 3)
 
 ECLyricBlock::~ECLyricBlock() = default;
 

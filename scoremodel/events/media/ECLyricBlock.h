@@ -1,6 +1,6 @@
 // ECLyricBlock: a block of lyrics placed on the page, beside the conductor.
 //
-// Archive record: that of ECLyric.
+// Archive record (schema 3): that of ECLyric.
 #pragma once
 
 #include <scoremodel/Export.h>

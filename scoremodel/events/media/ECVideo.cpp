@@ -1,6 +1,14 @@
 #include <scoremodel/events/media/ECVideo.h>
 
-IMPLEMENT_SERIAL(ECVideo, ECBase, VERSIONABLE_SCHEMA | 2)
+#include <scoremodel/platform/CArchive.h>
+
+IMPLEMENT_SERIAL(ECVideo, ECBase, VERSIONABLE_SCHEMA | 3)
+
+namespace
+{
+// The schema that brought the file.
+constexpr UINT kSchemaMediaFile = 3;
+} // namespace
 
 ECVideo::~ECVideo() = default;
 
@@ -20,4 +28,12 @@ int ECVideo::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_CONDUCTOR_STAFF);
     return 1;
+}
+
+void ECVideo::Serialize(CArchive &ar)
+{
+    const UINT schema = ar.IsStoring() ? kSchemaMediaFile : ar.GetObjectSchema();
+    ECBase::Serialize(ar);
+    if (ar.IsStoring() || schema == static_cast<UINT>(-1) || schema >= kSchemaMediaFile)
+        m_file.Serialize(ar);
 }

@@ -3,7 +3,13 @@
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/platform/CArchive.h>
 
-IMPLEMENT_SERIAL(ECWave, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
+IMPLEMENT_SERIAL(ECWave, ECWithTimeChild, VERSIONABLE_SCHEMA | 3)
+
+namespace
+{
+// The schema that brought the file.
+constexpr UINT kSchemaMediaFile = 3;
+} // namespace
 
 ECWave::~ECWave() = default;
 
@@ -13,13 +19,14 @@ ECWave &ECWave::operator=(const ECWave &other)
     {
         ECWithTimeChild::operator=(other);
         m_duration = other.m_duration;
+        m_file = other.m_file;
     }
     return *this;
 }
 
 int ECWave::operator==(const ECWave &other) const
 {
-    return ECWithTimeChild::operator==(other) && m_duration == other.m_duration;
+    return ECWithTimeChild::operator==(other) && m_duration == other.m_duration && m_file == other.m_file;
 }
 
 CObject *ECWave::Copy(CObject *src)
@@ -48,6 +55,10 @@ void ECWave::SetDuration(MCTime *duration)
 
 void ECWave::Serialize(CArchive &ar)
 {
+    // Read before the base part, whose children replace it.
+    const UINT schema = ar.IsStoring() ? kSchemaMediaFile : ar.GetObjectSchema();
     ECWithTimeChild::Serialize(ar);
     m_duration.Serialize(ar, ar.IsStoring() ? -1 : ActiveArchiveVersion());
+    if (ar.IsStoring() || schema == static_cast<UINT>(-1) || schema >= kSchemaMediaFile)
+        m_file.Serialize(ar);
 }

@@ -58,6 +58,7 @@ class SCOREMODEL_API ECConductor : public ECWithChild
     // The track commands place and take out tracks.
     friend class CCAddTrack;
     friend class CCRemoveTrack;
+    friend class CCOrderTracks;
 
 public:
     // Track kinds, as GetTrack, GetTrackNumber and GetMaxTrackNumber take them.
