@@ -113,6 +113,12 @@ int ECConductorStaff::RemoveChildren(int deep)
 {
     m_pTempoEnv = nullptr;
     m_pMeterEnv = nullptr;
+    // The columns are children: without them the score has no measures, and
+    // the array must not point at what may now be gone.
+    m_measures.RemoveAll();
+    m_nMaxMeasure = -1;
+    m_nCurrentMeasure = 0;
+    m_maxMeasureEndTime = MCTime::TimeZero();
     return ECStaff::RemoveChildren(deep);
 }
 
@@ -313,7 +319,7 @@ void ECConductorStaff::SetPickupFraction(MCFraction fraction)
 
 float ECConductorStaff::MeasureLength(ECMeter *meter)
 {
-    const float length = meter ? 4.0f /*MERGE15*/ : 4.0f;
+    const float length = meter ? meter->GetMeasureLength() : 4.0f;
     return std::isfinite(length) && length > 0.0f ? length : 4.0f;
 }
 

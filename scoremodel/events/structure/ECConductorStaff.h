@@ -88,7 +88,8 @@ public:
     int AddChild(ECBase *child, int sorted) override;
     // After a successful base call, forgets the envelope it removed.
     int RemoveChild(ECBase *child, int deep) override;
-    // Forgets both envelopes first.
+    // Forgets both envelopes and every column first: the score is left
+    // without measures (its staves keep theirs until they go too).
     int RemoveChildren(int deep) override;
 
     // As given to the constructor or read from the archive; otherwise

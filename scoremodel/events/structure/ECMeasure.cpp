@@ -88,12 +88,15 @@ int ECMeasure::RemoveChild(ECBase *child, int deep)
 
 int ECMeasure::RemoveChildren(int deep)
 {
-    if (ECStaff *staff = StaffAbove(this))
+    // Straight to the cache: the staff's UncacheEvent would let a second
+    // clef of the same moment take the place, and that one leaves too.
+    ECStaff *staff = StaffAbove(this);
+    if (MCStaffCache *cache = staff ? staff->GetCache() : nullptr)
         for (POSITION pos = m_children.GetHeadPosition(); pos;)
         {
             ECBase *child = m_children.GetNext(pos);
             if (MCStaffCache::IsCacheEvent(child))
-                staff->UncacheEvent(child, ECStaff::GetCacheHand(child));
+                cache->UncacheEvent(child, ECStaff::GetCacheHand(child));
         }
     return ECWithTimeChild::RemoveChildren(deep);
 }

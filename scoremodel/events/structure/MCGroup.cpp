@@ -137,6 +137,16 @@ int MCGroup::Relation(int first, int last)
     return partialKindOne ? 3 : 1;
 }
 
+void MCGroup::InsertInOrder(GroupTable &table, const tag_group &record)
+{
+    // Tables stay in order of first track, so InsertTrack can stop at the
+    // first record behind the track.
+    INT_PTR at = 0;
+    while (at < table.GetSize() && table[at].first <= record.first)
+        ++at;
+    table.InsertAt(at, record);
+}
+
 int MCGroup::GroupPrimary(int first, int last, BYTE kind, int &id)
 {
     const int newId = GetNextAvailableID();
@@ -145,12 +155,7 @@ int MCGroup::GroupPrimary(int first, int last, BYTE kind, int &id)
     // A kind-2 group draws no bracket, so it pushes nothing aside.
     if (kind != 2)
         PromoteToSecondary(first, last);
-    // Kept in track order, so InsertTrack can stop at the first record
-    // behind the track.
-    INT_PTR at = 0;
-    while (at < m_primary.GetSize() && m_primary[at].first <= first)
-        ++at;
-    m_primary.InsertAt(at, MakeRecord(first, last, kind, newId));
+    InsertInOrder(m_primary, MakeRecord(first, last, kind, newId));
     id = newId;
     return 1;
 }
@@ -160,10 +165,7 @@ int MCGroup::GroupSecondary(int first, int last, BYTE kind, int &id)
     const int newId = GetNextAvailableID();
     if (newId < 0)
         return 0;
-    INT_PTR at = 0;
-    while (at < m_secondary.GetSize() && m_secondary[at].first <= first)
-        ++at;
-    m_secondary.InsertAt(at, MakeRecord(first, last, kind, newId));
+    InsertInOrder(m_secondary, MakeRecord(first, last, kind, newId));
     id = newId;
     return 1;
 }
@@ -181,10 +183,7 @@ void MCGroup::PromoteToSecondary(int first, int last)
         if (overlaps && !holds && !inside)
         {
             m_primary.RemoveAt(i);
-            INT_PTR at = 0;
-            while (at < m_secondary.GetSize() && m_secondary[at].first <= record.first)
-                ++at;
-            m_secondary.InsertAt(at, record);
+            InsertInOrder(m_secondary, record);
         }
     }
 }

@@ -107,6 +107,7 @@ protected:
     // Moves the records from `index` on by `delta` tracks.
     static void UpdateFrom(GroupTable &table, INT_PTR index, int delta);
     tag_group *Find(int id);
+    static void InsertInOrder(GroupTable &table, const tag_group &record);
     static tag_group MakeRecord(int first, int last, int kind, int id);
 
     GroupTable m_primary;

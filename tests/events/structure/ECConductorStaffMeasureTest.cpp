@@ -4,6 +4,7 @@
 #include "events/structure/ScoreTestSupport.h"
 
 #include <scoremodel/events/base/EventIds.h>
+#include <scoremodel/events/signatures/ECMeter.h>
 
 #include <cmath>
 
@@ -314,4 +315,32 @@ TEST_F(ScoreMatrix, TheMeterEnvelopeIsMadeAtFirstUseAndForgottenWhenRemoved)
     EXPECT_EQ(meters->GetVoice(), 14);
     EXPECT_TRUE(m_score->RemoveChild(meters, 1));
     EXPECT_EQ(m_score->FindMeterEnv(), nullptr);
+}
+
+TEST_F(ScoreMatrix, AppendedMeasuresTakeTheLengthOfTheMeterInForceAtTheEnd)
+{
+    Build(1, 0);
+    auto *threeFour = new ECMeter(3, 4, 0);
+    MCTime zero(0.0f);
+    threeFour->SetTime(&zero);
+    ASSERT_TRUE(m_score->GetMeterEnv()->AddChild(threeFour, 1));
+    MCTime seven(7.0f);
+    ASSERT_NE(m_score->GetConductorMeasureAtTime(seven, 1, 1), nullptr);
+    EXPECT_EQ(m_score->GetMaxMeasureNumber(), 2);
+    EXPECT_TRUE(m_score->GetMaxMeasureEndTime() == MCTime(9.0f));
+    EXPECT_TRUE(*Column(2)->GetTime() == MCTime(6.0f));
+    // A meter whose length wraps to zero (64/1) still advances by 4.0, and
+    // removal takes the same length back.
+    auto *wrapped = new ECMeter(64, 1, 0);
+    MCTime nine(9.0f);
+    wrapped->SetTime(&nine);
+    ASSERT_TRUE(m_score->GetMeterEnv()->AddChild(wrapped, 1));
+    MCTime ten(10.0f);
+    ASSERT_NE(m_score->GetConductorMeasureAtTime(ten, 1, 1), nullptr);
+    EXPECT_TRUE(m_score->GetMaxMeasureEndTime() == MCTime(13.0f));
+    MatrixAccess::Remove(m_score, -1, 1);
+    EXPECT_TRUE(m_score->GetMaxMeasureEndTime() == MCTime(9.0f));
+    MatrixAccess::Remove(m_score, -1, 1);
+    EXPECT_TRUE(m_score->GetMaxMeasureEndTime() == MCTime(6.0f));
+    ExpectMatrix();
 }

@@ -249,3 +249,25 @@ TEST_F(StaffCache, RandomEditsAnswerLikeASearchOfTheStaff)
     }
 }
 } // namespace
+
+namespace
+{
+TEST_F(StaffCache, EmptyingAMeasureLeavesNoClefOfItInTheCache)
+{
+    // Two clefs at one moment, the one that answers listed second: emptying
+    // the measure must not let the other take its place on the way out.
+    MCTime four(4.0f);
+    auto *later = static_cast<ECClef *>(CreateEventW(EVENT_ID_CLEF));
+    later->SetTime(&four);
+    ECClef *first = Clef(4.0f);
+    ECMeasure *measure = MeasureOf(first);
+    ASSERT_TRUE(measure->AddChild(later, 0));
+    EXPECT_EQ(ClefAt(4.0f), first);
+    // Of two cached at one time the last one answers.
+    ASSERT_EQ(m_staff->GetCache()->CacheObject(later, four, 0), 1);
+    EXPECT_EQ(ClefAt(4.0f), later);
+    measure->RemoveChildren(1);
+    EXPECT_EQ(ClefAt(4.0f), nullptr);
+    EXPECT_EQ(m_staff->GetCache()->GetPointCount(), 1);
+}
+} // namespace

@@ -123,4 +123,54 @@ TEST(ConductorStaffRecord, AStaffWhoseRecordNamesNoEnvelopesFindsThemAmongItsChi
     EXPECT_EQ(loaded->GetMaxMeasureNumber(), -1);
     loaded->ReleaseHold();
 }
+
+TEST(ConductorMeasureRecord, TheCollapseByteIsReadFromVersionTwentyOn)
+{
+    auto *column = static_cast<ECConductorMeasure *>(CreateEventW(EVENT_ID_CONDUCTOR_MEASURE));
+    column->Ref();
+    column->SetCollapseMeasure(9);
+    const Bytes head = Store([&](CArchive &ar) { ar.WriteObject(column); });
+    Bytes whole = Store([&](CArchive &ar) {
+        ar.WriteObject(column);
+        ACPostSerialize post(ar);
+        post.Apply(column);
+    });
+    column->Unref(1);
+    // The record ends with the max track (DWORD 0) and the collapse byte.
+    ASSERT_GT(head.size(), 5u);
+    EXPECT_EQ(Bytes(head.end() - 5, head.end()), (Bytes{0, 0, 0, 0, 9}));
+    Bytes old = whole;
+    old.erase(old.begin() + static_cast<long>(head.size()) - 1);
+    for (auto [bytes, version, collapse] : {std::tuple{&whole, 20, 9}, std::tuple{&old, 19, 0}})
+    {
+        ECPerformance *header = new ECPerformance;
+        header->Ref();
+        header->SetVersion(version);
+        ECPerformance *previous = ECPerformance::SetActivePerformance(header);
+        ECConductorMeasure *loaded = nullptr;
+        ULONGLONG used = 0;
+        try
+        {
+            used = LoadBytes(*bytes, [&](CArchive &ar) {
+                ar >> loaded;
+                loaded->Ref();
+                ACPostSerialize post(ar);
+                post.Apply(loaded);
+            });
+        }
+        catch (...)
+        {
+            ECPerformance::SetActivePerformance(previous);
+            header->Unref(1);
+            throw;
+        }
+        ECPerformance::SetActivePerformance(previous);
+        header->Unref(1);
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(used, bytes->size()) << version;
+        EXPECT_EQ(loaded->GetCollapseMeasure(), collapse) << version;
+        EXPECT_EQ(loaded->GetMeasureOnTrack(0), loaded);
+        loaded->Unref(1);
+    }
+}
 } // namespace
