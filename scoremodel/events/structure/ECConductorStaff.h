@@ -32,7 +32,12 @@
 // loses a row, the staves behind are renumbered).
 //
 // Inserting and removing measures does not move the columns behind the
-// place of change: the measure commands shift their times.
+// place of change: the measure commands shift their times (SetMeasureTime
+// moves a whole column), and the lookups rely on the columns standing in
+// time order once a command is done.
+//
+// Threads: the document thread, under the performance lock while commands
+// run. A lookup moves the cursor, so even a lookup writes.
 //
 // Archive record: that of ECStaff, then the conductor and the performance by
 // reference, the max staff number and the max measure as DWORD, the end time

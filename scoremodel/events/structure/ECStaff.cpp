@@ -31,7 +31,10 @@ ECStaff::ECStaff(const ECStaff &other) : ECTrack(other), m_cache(new MCStaffCach
 
 ECStaff::~ECStaff()
 {
+    // The children go after this (in the base's destructor); CacheEvent and
+    // UncacheEvent answer 0 without a cache meanwhile.
     delete m_cache;
+    m_cache = nullptr;
 }
 
 ECStaff &ECStaff::operator=(const ECStaff &other)
@@ -233,7 +236,7 @@ void ECStaff::RebuildCache()
 
 void ECStaff::CacheMeasure(ECBase *measure, bool cache)
 {
-    if (!measure || measure->GetEventId() != EVENT_ID_MEASURE)
+    if (!m_cache || !measure || measure->GetEventId() != EVENT_ID_MEASURE)
         return;
     EventList *children = measure->GetChildren();
     if (!children)
@@ -267,7 +270,8 @@ int ECStaff::RemoveChild(ECBase *child, int deep)
 
 int ECStaff::RemoveChildren(int deep)
 {
-    m_cache->DeleteCache();
+    if (m_cache)
+        m_cache->DeleteCache();
     return ECTrack::RemoveChildren(deep);
 }
 
