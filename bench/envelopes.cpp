@@ -19,7 +19,7 @@
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
 
-#include "BenchCollector.h"
+#include "BenchReport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -382,11 +382,8 @@ void PlaybackWhileEditing()
 
 int main(int argc, char **argv)
 {
-    benchmark::Initialize(&argc, argv);
-    Collector collector;
-    benchmark::RunSpecifiedBenchmarks(&collector);
-    benchmark::Shutdown();
-    PrintRatios(collector);
-    PlaybackWhileEditing();
-    return 0;
+    return bench::RunAndReport(argc, argv, [](const Collector &collector) {
+        PrintRatios(collector);
+        PlaybackWhileEditing();
+    });
 }

@@ -36,7 +36,7 @@
 #include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 
-#include "BenchCollector.h"
+#include "BenchReport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -233,10 +233,5 @@ void PrintRatios(const Collector &c)
 int main(int argc, char **argv)
 {
     MCCommandMgr::SetDocumentThread();
-    benchmark::Initialize(&argc, argv);
-    Collector collector;
-    benchmark::RunSpecifiedBenchmarks(&collector);
-    benchmark::Shutdown();
-    PrintRatios(collector);
-    return 0;
+    return bench::RunAndReport(argc, argv, [](const Collector &collector) { PrintRatios(collector); });
 }

@@ -2,7 +2,7 @@
 
 #include <scoremodel/core/MCFraction.h>
 #include <scoremodel/events/base/ArchiveVersion.h>
-#include <scoremodel/events/notes/ECMirror.h>
+#include <scoremodel/events/notes/MirrorLinks.h>
 #include <scoremodel/events/signatures/ECMeterEnv.h>
 #include <scoremodel/platform/CArchive.h>
 
@@ -551,28 +551,17 @@ int ECMeter::CalcEndMeter(ECMeter *main, ECMeter *pickup, CByteArray &numerators
 
 void ECMeter::AddMirror(ECMirror *mirror)
 {
-    if (!mirror)
-        return;
-    m_mirrors.AddTail(mirror);
-    mirror->SetMirrorEvent(this, 0);
+    mirror_links::Add(m_mirrors, mirror, this);
 }
 
 void ECMeter::RemoveMirror(ECMirror *mirror)
 {
-    if (!mirror)
-        return;
-    POSITION pos = m_mirrors.Find(mirror);
-    if (!pos)
-        return;
-    mirror->SetMirrorEvent(nullptr, 0);
-    m_mirrors.RemoveAt(pos);
+    mirror_links::Remove(m_mirrors, mirror);
 }
 
 void ECMeter::RemoveMirrors()
 {
-    for (POSITION pos = m_mirrors.GetHeadPosition(); pos;)
-        static_cast<ECMirror *>(m_mirrors.GetNext(pos))->SetMirrorEvent(nullptr, 0);
-    m_mirrors.RemoveAll();
+    mirror_links::RemoveAll(m_mirrors);
 }
 
 // ---- Archive ----

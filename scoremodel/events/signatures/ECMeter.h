@@ -230,4 +230,13 @@ protected:
     CArray<unsigned short, unsigned short> m_pulsesPerStress;
     BPTTime m_barPulseTick = {0, 0, 0, 0};
     EventList m_mirrors;
+
+private:
+    friend class ECMeterEnv;
+    // The map's own store while it rebuilds every position: no notice to
+    // the map, which checks the order of the bars itself afterwards.
+    void StoreBarPulseTick(int bar, int pulse, int tick, int resolution)
+    {
+        m_barPulseTick = BPTTime{bar, pulse, tick, resolution};
+    }
 };

@@ -1,5 +1,6 @@
 #include <scoremodel/events/signatures/ECMeterEnv.h>
 
+#include <scoremodel/events/envelopes/EnvelopeNodes.h>
 #include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/Exceptions.h>
@@ -10,20 +11,14 @@ IMPLEMENT_SERIAL(ECMeterEnv, ECEnvelope, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Node = MCObList::Node;
+using envelope_nodes::Next;
+using envelope_nodes::Prev;
 
-inline POSITION Prev(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pPrev);
-}
-inline POSITION Next(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pNext);
-}
 inline ECMeter *MeterOf(POSITION pos)
 {
-    return static_cast<ECMeter *>(static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data));
+    return envelope_nodes::ItemAt<ECMeter>(pos);
 }
+// Every child is a meter: the time is read without a virtual call.
 inline float TimeOf(ECMeter *meter)
 {
     return meter->ECWithTime::GetTime()->GetSeconds();
@@ -71,14 +66,8 @@ int ECMeterEnv::GetParentTypes(CArray<int, int> &types)
 
 int ECMeterEnv::AddChild(ECBase *child, int sorted)
 {
-    if (!child || !child->IsKindOf(RUNTIME_CLASS(ECMeter)))
-        return 0;
-    CSingleLock lock(&m_lock, TRUE);
     // The envelope runs UpdateChildren, and with it RecalculateBPTTimes.
-    if (!ECEnvelope::AddChild(child, sorted))
-        return 0;
-    child->SetVoiceTrack(GetVoiceTrack());
-    return 1;
+    return AddChildOfKind(child, sorted, RUNTIME_CLASS(ECMeter));
 }
 
 int ECMeterEnv::RemoveChild(ECBase *child, int deep)
@@ -106,12 +95,14 @@ void ECMeterEnv::RecalculateBPTTimes()
     CSingleLock lock(&m_lock, TRUE);
     POSITION pos = m_children.GetHeadPosition();
     ECMeter *previous = pos ? MeterOf(pos) : nullptr;
+    // The cursor of GetNormalizedTime needs bars that never fall.
+    bool ordered = true;
     // Positions count from a first meter at time 0; with none there the
     // stored positions stay as they were.
     if (previous && TimeOf(previous) == 0.0f)
     {
         const int ppq = static_cast<int>(MCTime::GlobalPPQ);
-        previous->SetBarPulseTick(0, 0, 0, ppq);
+        previous->StoreBarPulseTick(0, 0, 0, ppq);
         for (pos = Next(pos); pos; pos = Next(pos))
         {
             ECMeter *meter = MeterOf(pos);
@@ -119,12 +110,13 @@ void ECMeterEnv::RecalculateBPTTimes()
             int pulse = 0;
             int tick = 0;
             _GetBPTFromMeter(previous, *meter->ECWithTime::GetTime(), bar, pulse, tick, ppq);
-            meter->SetBarPulseTick(bar, pulse, tick, ppq);
+            meter->StoreBarPulseTick(bar, pulse, tick, ppq);
+            ordered = ordered && bar >= previous->m_barPulseTick.bar;
             previous = meter;
         }
+        m_bptOrdered = ordered;
+        return;
     }
-    // The cursor of GetNormalizedTime needs bars that never fall.
-    bool ordered = true;
     int lastBar = INT_MIN;
     for (pos = m_children.GetHeadPosition(); pos && ordered; pos = Next(pos))
     {
@@ -263,9 +255,7 @@ void ECMeterEnv::Serialize(CArchive &ar)
     ECEnvelope::Serialize(ar);
     if (ar.IsStoring())
         return;
-    for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
-        if (!static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data)->IsKindOf(RUNTIME_CLASS(ECMeter)))
-            throw CArchiveException(CArchiveException::genericException, "a meter map child that is not a meter");
+    CheckChildrenOfKind(RUNTIME_CLASS(ECMeter), "a meter map child that is not a meter");
     m_bptPos = nullptr;
     RecalculateBPTTimes();
 }
