@@ -76,25 +76,26 @@ int ECConductorStaff::AddChild(ECBase *child, int sorted)
     return added;
 }
 
-ECTempoEnv *ECConductorStaff::GetTempoEnv()
+void ECConductorStaff::AddEnvelope(CRuntimeClass *envelopeClass)
 {
-    if (m_pTempoEnv)
-        return m_pTempoEnv;
-    auto *envelope = static_cast<ECTempoEnv *>(RUNTIME_CLASS(ECTempoEnv)->CreateObject());
+    // AddChild keeps the envelope as this staff's own.
+    auto *envelope = static_cast<ECBase *>(envelopeClass->CreateObject());
     envelope->SetVoiceTrack(14, 0);
     if (!AddChild(envelope, 1))
         envelope->Unref(1);
+}
+
+ECTempoEnv *ECConductorStaff::GetTempoEnv()
+{
+    if (!m_pTempoEnv)
+        AddEnvelope(RUNTIME_CLASS(ECTempoEnv));
     return m_pTempoEnv;
 }
 
 ECMeterEnv *ECConductorStaff::GetMeterEnv()
 {
-    if (m_pMeterEnv)
-        return m_pMeterEnv;
-    auto *envelope = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
-    envelope->SetVoiceTrack(14, 0);
-    if (!AddChild(envelope, 1))
-        envelope->Unref(1);
+    if (!m_pMeterEnv)
+        AddEnvelope(RUNTIME_CLASS(ECMeterEnv));
     return m_pMeterEnv;
 }
 

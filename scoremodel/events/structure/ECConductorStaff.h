@@ -257,6 +257,8 @@ protected:
     ECMeter *MeterAt(const MCTime &time);
     // Puts the cursor back inside 0 to max measure.
     void ClampCursor();
+    // Makes an envelope of the class (voice 14, track 0) and adds it.
+    void AddEnvelope(CRuntimeClass *envelopeClass);
     // One new column at `at` with rows on every staff, or the given column
     // and rows; returns 0 when the column could not be placed.
     int PlaceColumn(int at, ECConductorMeasure *column, ECMeasure *const *rows, const MCTime &start);
