@@ -18,12 +18,14 @@
 //                with 1,000 clef and key changes, beside one with 10.
 //                Goal: flat (ratio <= 1.5).
 //   insert staff InsertStaff (through the add-track command) in the middle
-//                of the 20-staff score of 1,000, 5,000 and 10,000 measures.
-//                Goal: linear in the score, judged between 5,000 and 10,000
-//                (ratio <= 2.5, against 2 for linear and 4 for quadratic):
-//                both scores are far larger than the caches, where the
-//                1,000-measure one still fits, so 10,000 / 1,000 (printed)
-//                also measures the memory.
+//                of the 20-staff score of 1,000, 10,000 and 20,000 measures.
+//                Goal: linear in the score, judged between 10,000 and 20,000
+//                (ratio <= 2.5, against 2 for linear and 4 for quadratic).
+//                The insertion renumbers the staves behind it, a walk of
+//                their events that waits on memory: a score that fits the
+//                caches is much cheaper per event, so only two scores well
+//                beyond them (40 and 80 MB) show the growth; 10,000 / 1,000
+//                is printed beside it.
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/events/base/EventIds.h>
@@ -195,7 +197,7 @@ void BM_InsertStaff(benchmark::State &state)
         state.ResumeTiming();
     }
 }
-BENCHMARK(BM_InsertStaff)->Arg(1000)->Arg(5000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_InsertStaff)->Arg(1000)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 using bench::Collector;
 
@@ -222,11 +224,11 @@ void PrintRatios(const Collector &c)
     const double k10 = c.Get("BM_ClefKey/10"), k1000 = c.Get("BM_ClefKey/1000");
     std::printf("  clef+key: %.1f ns per pair with 10 changes, %.1f with 1,000\n", k10, k1000);
     Goal("clef and key lookups, 1,000 changes / 10", k10 > 0 ? k1000 / k10 : 0, 1.5);
-    const double i1 = c.Get("BM_InsertStaff/1000"), i5 = c.Get("BM_InsertStaff/5000"),
-                 i10 = c.Get("BM_InsertStaff/10000");
-    std::printf("  insert staff: %.2f ms at 1,000 measures, %.2f at 5,000, %.2f at 10,000 (10,000 / 1,000: %.1f)\n",
-                i1 / 1e6, i5 / 1e6, i10 / 1e6, i1 > 0 ? i10 / i1 : 0);
-    Goal("insert staff, 10,000 / 5,000 measures", i5 > 0 ? i10 / i5 : 0, 2.5);
+    const double i1 = c.Get("BM_InsertStaff/1000"), i10 = c.Get("BM_InsertStaff/10000"),
+                 i20 = c.Get("BM_InsertStaff/20000");
+    std::printf("  insert staff: %.2f ms at 1,000 measures, %.2f at 10,000, %.2f at 20,000 (10,000 / 1,000: %.1f)\n",
+                i1 / 1e6, i10 / 1e6, i20 / 1e6, i1 > 0 ? i10 / i1 : 0);
+    Goal("insert staff, 20,000 / 10,000 measures", i10 > 0 ? i20 / i10 : 0, 2.5);
 }
 } // namespace
 

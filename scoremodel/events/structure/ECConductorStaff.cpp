@@ -249,15 +249,29 @@ void ECConductorStaff::RenumberStaves(int from, int delta)
         root = GetConductor();
     if (!root)
         return;
-    ACFindEvents find(2);
-    find.AddEvtType(EVENT_ID_STAFF);
-    find.AddEvtType(EVENT_ID_CONDUCTOR_STAFF);
-    find.SetDepth(root == m_pConductor ? 1 : 2);
-    find.Apply(root);
-    EventList &found = find.GetEvents();
-    for (POSITION pos = found.GetTailPosition(); pos;)
+    // The staves two levels below the performance (one below the
+    // conductor), gathered by hand: a depth-limited search would still run
+    // through every staff's measures at its limit, looking for envelopes to
+    // look through, and that walk would cost more than the renumbering.
+    std::vector<ECBase *> staves;
+    auto gather = [&staves](ECBase *parent) {
+        EventList *children = parent->GetChildren();
+        for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
+        {
+            ECBase *child = children->GetNext(pos);
+            const int id = child->GetEventId();
+            if (id == EVENT_ID_STAFF || id == EVENT_ID_CONDUCTOR_STAFF)
+                staves.push_back(child);
+        }
+    };
+    if (root == m_pConductor)
+        gather(root);
+    else if (EventList *children = root->GetChildren())
+        for (POSITION pos = children->GetHeadPosition(); pos;)
+            gather(children->GetNext(pos));
+    for (auto it = staves.rbegin(); it != staves.rend(); ++it)
     {
-        ECBase *staff = found.GetPrev(pos);
+        ECBase *staff = *it;
         const int track = staff->GetTrack();
         // The chord staff (0x7FC) is not numbered with the staves.
         if (track != 0 && track >= from && track < 0x7FC)
