@@ -74,6 +74,10 @@
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/events/structure/ECTrack.h>
+#include <scoremodel/events/structure/MCBitArray.h>
+#include <scoremodel/events/structure/MCCache.h>
+#include <scoremodel/events/structure/MCGroup.h>
+#include <scoremodel/events/structure/MCStaffCache.h>
 
 // Notes, chords, rests, their modifiers, groups and tuplets.
 #include <scoremodel/events/notes/ECAccent.h>

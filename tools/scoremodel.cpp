@@ -35,11 +35,13 @@
 #include <scoremodel/events/media/ECVideo.h>
 #include <scoremodel/events/media/ECWave.h>
 #include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECConductorMeasure.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 #include <scoremodel/events/structure/ECStaff.h>
 #include <scoremodel/instruments/MCInstrument.h>
+#include <scoremodel/events/structure/MCStaffCache.h>
 #include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/version.h>
@@ -238,6 +240,38 @@ std::string EventLine(ECBase *event)
         line += " initialized=" + std::to_string(instrument->Initialized());
     }
     line += MediaFields(event);
+    // The score matrix: a column's rows, a staff's fields, the conductor
+    // staff's measures and groups.
+    if (event->IsKindOf(RUNTIME_CLASS(ECConductorStaff)))
+    {
+        auto *score = static_cast<ECConductorStaff *>(event);
+        char text[160];
+        std::snprintf(text, sizeof text, " staves=%d measures=%d end=%s pickup=%d/%u groups=%d+%d",
+                      score->GetMaxStaffNumber(), score->GetMaxMeasureNumber() + 1,
+                      TimeText(&score->GetMaxMeasureEndTime()).c_str(), score->GetPickupFraction()->GetNum(),
+                      score->GetPickupFraction()->GetDen(),
+                      static_cast<int>(score->GetGroup().GetPrimaryGroup().GetSize()),
+                      static_cast<int>(score->GetGroup().GetSecondaryGroup().GetSize()));
+        line += text;
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECConductorMeasure)))
+    {
+        auto *column = static_cast<ECConductorMeasure *>(event);
+        char text[64];
+        std::snprintf(text, sizeof text, " rows=%d collapse=%d", column->GetMaxTrack() + 1,
+                      column->GetCollapseMeasure());
+        line += text;
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECStaff)))
+    {
+        auto *staff = static_cast<ECStaff *>(event);
+        char text[160];
+        std::snprintf(text, sizeof text, " type=%d empty=%d size=%d lines=%d perc=0x%03x pitch=%d cache=%d",
+                      staff->GetStaffType(), staff->IsStaffEmpty(), staff->GetStaffSize(), staff->GetStaffLines(),
+                      staff->GetPercussionStaffMap(), staff->GetPercussionStaffMidiPitch(),
+                      staff->GetCache()->GetPointCount());
+        line += text;
+    }
     return line;
 }
 

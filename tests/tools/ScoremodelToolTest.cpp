@@ -71,8 +71,14 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
     ToolRun dump = Tool("dump '" + file + "'");
     ASSERT_EQ(dump.code, 0) << dump.err;
     EXPECT_EQ(dump.out.rfind("ECPerformance id=44", 0), 0u) << dump.out;
-    EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0\n"), std::string::npos);
-    EXPECT_NE(dump.out.find("\n    ECStaff id=55 time=0 voice=14 track=3\n"), std::string::npos) << dump.out;
+    // Staves show their fields, the conductor staff its matrix and groups.
+    EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0 staves=3 measures=0 end=0 "
+                            "pickup=0/1 groups=0+0\n"),
+              std::string::npos);
+    EXPECT_NE(dump.out.find("\n    ECStaff id=55 time=0 voice=14 track=3 type=0 empty=1 size=32 lines=5 perc=0x0d0 "
+                            "pitch=35 cache=0\n"),
+              std::string::npos)
+        << dump.out;
     // The envelopes show their points: tempi with their place on the clock.
     EXPECT_NE(dump.out.find("ECTempo id=57 time=8 voice=14 track=0 type=1 bpm=90 style=1 clock=4s\n"),
               std::string::npos)

@@ -381,36 +381,45 @@ MCTime ECConductor::GetMaxMeasureEndTime()
     return m_pConductorStaff ? m_pConductorStaff->GetMaxMeasureEndTime() : MCTime::TimeZero();
 }
 
-int ECConductor::GetMeasureNumberAtTime(MCTime &)
+int ECConductor::GetMeasureNumberAtTime(MCTime &time)
 {
-    return 0;
+    return m_pConductorStaff ? m_pConductorStaff->GetMeasureNumberAtTime(time) : 0;
 }
 
-int ECConductor::GetMeasureNumberBeforeTime(MCTime &)
+int ECConductor::GetMeasureNumberBeforeTime(MCTime &time)
 {
-    return 0;
+    return m_pConductorStaff ? m_pConductorStaff->GetMeasureNumberBeforeTime(time) : 0;
 }
 
-ECMeasure *ECConductor::GetMeasure(int, MCTime, int, int)
+ECMeasure *ECConductor::GetMeasure(int track, MCTime time, int create, int count)
 {
-    return nullptr;
+    ECConductorStaff *staff = create ? GetConductorStaff() : m_pConductorStaff;
+    return staff ? staff->GetMeasure(track, time, create, count) : nullptr;
 }
 
-ECMeasure *ECConductor::GetMeasure(int, int)
+ECMeasure *ECConductor::GetMeasure(int track, int number)
 {
-    return nullptr;
+    return m_pConductorStaff ? m_pConductorStaff->GetMeasure(track, number) : nullptr;
 }
 
-int ECConductor::GetMeasures(int, MCTime, MCTime, EventList &measures)
+int ECConductor::GetMeasures(int track, MCTime start, MCTime end, EventList &measures)
 {
-    measures.RemoveAll();
-    return 0;
+    if (!m_pConductorStaff)
+    {
+        measures.RemoveAll();
+        return 0;
+    }
+    return m_pConductorStaff->GetMeasures(track, start, end, measures);
 }
 
-int ECConductor::GetMeasures(int, int, int, EventList &measures)
+int ECConductor::GetMeasures(int track, int first, int last, EventList &measures)
 {
-    measures.RemoveAll();
-    return 0;
+    if (!m_pConductorStaff)
+    {
+        measures.RemoveAll();
+        return 0;
+    }
+    return m_pConductorStaff->GetMeasures(track, first, last, measures);
 }
 
 // ---- Tempo and meter ----
@@ -504,7 +513,7 @@ ECTempoEnv *ECConductor::TempoEnv()
 
 ECMeterEnv *ECConductor::MeterEnv()
 {
-    return m_pConductorStaff ? m_pConductorStaff->GetMeterEnv() : nullptr;
+    return m_pConductorStaff ? m_pConductorStaff->FindMeterEnv() : nullptr;
 }
 
 ECBase *ECConductor::GetMemberEvent(int index)

@@ -116,8 +116,9 @@ public:
     int GetMaxMeasureNumber();
     // The end of the last measure; 0.0 without measures.
     MCTime GetMaxMeasureEndTime();
-    // The conductor staff keeps no measure columns yet, so these answer as
-    // for a score without measures: 0, null, an emptied list.
+    // Forwarded to the conductor staff; without one they answer as for a
+    // score without measures: 0, null, an emptied list. GetMeasure with
+    // `create` makes the conductor staff.
     int GetMeasureNumberAtTime(MCTime &time);
     int GetMeasureNumberBeforeTime(MCTime &time);
     ECMeasure *GetMeasure(int track, MCTime time, int create, int count);

@@ -5,6 +5,10 @@
 // an ECConductorMeasure. Structural: voice 14; the track is set by whoever
 // places the measure on a staff.
 //
+// A measure keeps its staff's clef and key cache current: a clef or key
+// added to it is cached on the ECStaff above it, and one that leaves is
+// uncached first, while it is still alive and in place.
+//
 // Archive record: that of ECWithTimeChild; a measure adds no field.
 #pragma once
 
@@ -25,6 +29,20 @@ public:
     int GetEventId() const override;
     // ECStaff.
     int GetParentTypes(CArray<int, int> &types) override;
+
+    // The number (from 1) of the column at the measure's time, through the
+    // ECConductor above it; 0 outside a score.
+    int GetMeasureNumber();
+    // Empties the list, then adds every note and grace note beneath the
+    // measure.
+    void GetChildrenForSelection(EventList &events);
+
+    // After the base's call, a clef or key is cached on the staff above.
+    int AddChild(ECBase *child, int sorted) override;
+    // A clef or key is uncached before the base's call.
+    int RemoveChild(ECBase *child, int deep) override;
+    // Uncaches each clef and key among the children, then the base's call.
+    int RemoveChildren(int deep) override;
 
     ECMeasure &operator=(const ECMeasure &other);
     int operator==(const ECMeasure &other) const { return ECWithTimeChild::operator==(other); }

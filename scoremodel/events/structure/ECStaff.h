@@ -8,15 +8,33 @@
 // spare byte of the event. Types the model branches on: 1, a staff of two
 // hands; 4, tablature; 9, the chord staff. Others are carried for the views.
 //
+// Clefs and keys. The staff answers "which clef (key) is in force at this
+// time, for this hand" from its MCStaffCache, not from a search of the tree.
+// The cache is kept current from three sides: a measure caches a clef or
+// key added to it and uncaches one before it leaves (ECMeasure::AddChild,
+// RemoveChild); a measure added to or removed from the staff brings or takes
+// the clefs and keys it holds; and a clef or key that changes its time calls
+// UncacheEvent before and CacheEvent after (or RecacheEvent once moved).
+// Only the events in the staff's own measures are cached: a mirror of a key
+// (ECMirror) shows the key elsewhere but neither caches it on another staff
+// nor keeps it in this staff's cache once the key itself has left.
+//
 // Archive record: that of ECTrack, then the spare byte raw, the percussion
 // map (2 bytes), the percussion MIDI pitch (1 byte), the staff lines (4
 // bytes) and the staff size (BYTE). Loading reads the percussion fields, the
-// lines and the size only from document version 5 on.
+// lines and the size only from document version 5 on, and rebuilds the cache
+// from the clefs and keys beneath the staff. The tablature instrument joins
+// the record (after the size) with the instrument classes; until then a
+// tablature staff counts its lines from the stored value.
 #pragma once
 
 #include <scoremodel/Export.h>
 
 #include <scoremodel/events/structure/ECTrack.h>
+
+class ECClef;
+class ECKey;
+class MCStaffCache;
 
 class SCOREMODEL_API ECStaff : public ECTrack
 {
@@ -47,6 +65,8 @@ public:
 
     // ---- Staff properties ----
 
+    // The staff's own lines; see the class comment for tablature.
+    int GetStaffLines() const { return m_nStaffLines; }
     BYTE GetStaffType() const { return static_cast<BYTE>(GetSpareByte() & 0x7F); }
     // Stores 7 bits and keeps the empty flag.
     void SetStaffType(BYTE type) { SetSpareByte(static_cast<BYTE>((GetSpareByte() & 0x80) | (type & 0x7F))); }
@@ -60,12 +80,66 @@ public:
     void SetPercussionStaffMap(WORD map) { m_percussionMap = map; }
     BYTE GetPercussionStaffMidiPitch() const { return m_percussionPitch; }
     void SetPercussionStaffMidiPitch(BYTE pitch) { m_percussionPitch = pitch; }
-    int GetStaffLines() const { return m_nStaffLines; }
     void SetStaffLines(int lines) { m_nStaffLines = lines; }
     int GetJianpuOffsetY() const { return m_nJianpuOffsetY; }
     void SetJianpuOffsetY(int offset) { m_nJianpuOffsetY = offset; }
     int GetJianpuMode() const { return m_nJianpuMode; }
     void SetJianpuMode(int mode) { m_nJianpuMode = mode; }
+    // The vertical offset of numbered notation on a grand staff (type 1):
+    // the lower hand sits one staff below the offset of a single staff.
+    int GetJianpuOffsetYForGrandStaff() const;
+
+    // ---- Clefs and keys ----
+
+    // The clef (key) in force at the time for the hand (the last one at or
+    // before it); any non-zero hand is the second hand. 0 when none.
+    virtual ECClef *GetClefAtTime(MCTime &time, BYTE hand);
+    // The one in force just before a change at exactly `time`.
+    virtual ECClef *GetClefBeforeTime(MCTime &time, BYTE hand);
+    // From the clef's time to the next change of that hand's clefs; the
+    // last clef runs to the end of the score (the conductor staff's end
+    // time, or TimeMax outside a score). TimeNull for both when the clef is
+    // not the one in force at its own time (not cached on this staff).
+    virtual void GetClefScope(ECClef *clef, MCTime &start, MCTime &end, BYTE hand);
+    ECKey *GetKeyAtTime(MCTime &time, BYTE hand);
+    ECKey *GetKeyBeforeTime(MCTime &time, BYTE hand);
+    void GetKeyScope(ECKey *key, MCTime &start, MCTime &end, BYTE hand);
+    MCStaffCache *GetCache() { return m_cache; }
+
+    // 0 for an event that is not a clef or key (or no cache); otherwise the
+    // cache's answer. A clef or key calls UncacheEvent before its time
+    // changes and CacheEvent after. The first clef (key) of a hand at a
+    // moment answers; a second one there is cached once the first leaves.
+    virtual int CacheEvent(ECBase *event, BYTE hand);
+    virtual int UncacheEvent(ECBase *event, BYTE hand);
+    // Uncaches the event if it is cached, then caches it: for whoever has
+    // already moved it.
+    virtual int RecacheEvent(ECBase *event, BYTE hand);
+    // The hand a clef or key is cached under. Keys and clefs carry no hand
+    // field yet, so every one is cached as hand 0; this is the one place to
+    // read the hand once they do.
+    static BYTE GetCacheHand(ECBase *event);
+    // Empties the cache and caches the clefs and keys beneath the staff, in
+    // tree order.
+    void RebuildCache();
+
+    // ---- Compression marks ----
+
+    // 1 when the last compression mark (ECCompress) between time zero and
+    // `time` covers `time` (from its time to its time plus duration).
+    int IsCompressionActive(MCTime *time);
+    // 1 when a compression mark lies between the two times (taken in order
+    // of the pointers); 0 for the same pointer twice.
+    int IsCompressionBetween(MCTime *a, MCTime *b);
+
+    // ---- Children ----
+
+    // After the base's call, a measure's clefs and keys enter the cache.
+    int AddChild(ECBase *child, int sorted) override;
+    // A measure's clefs and keys leave the cache before the base's call.
+    int RemoveChild(ECBase *child, int deep) override;
+    // Empties the cache, then the base's call.
+    int RemoveChildren(int deep) override;
 
     // Assigns the ECTrack part, then the staff type (not the empty flag),
     // the staff size, the staff lines and the jianpu offset. The percussion
@@ -85,4 +159,13 @@ protected:
     int m_nStaffLines = 5;
     int m_nJianpuOffsetY = 1000;
     int m_nJianpuMode = 0;
+    MCStaffCache *m_cache = nullptr;
+
+private:
+    // Caches (or uncaches) the clefs and keys that are children of
+    // `measure`.
+    void CacheMeasure(ECBase *measure, bool cache);
+    // After `gone` left the cache: another clef (key) of its hand at the
+    // same time in this staff's measure there is cached in its place.
+    void CacheRunnerUp(ECBase *gone, BYTE hand);
 };

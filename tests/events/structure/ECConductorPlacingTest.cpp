@@ -131,7 +131,7 @@ TEST_F(ConductorPlacing, TheEnvelopeShortcutsFollowAddingAndRemoving)
     EXPECT_TRUE(cs->RemoveChild(text, 0));
     EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv) << "another child leaves both";
     EXPECT_TRUE(cs->RemoveChild(meterEnv, 0));
-    EXPECT_EQ(cs->GetMeterEnv(), nullptr);
+    EXPECT_EQ(cs->FindMeterEnv(), nullptr);
     EXPECT_EQ(static_cast<ECBase *>(cs->GetTempoEnv()), tempoEnv);
     EXPECT_TRUE(cs->RemoveChild(tempoEnv, 0));
     EXPECT_EQ(cs->FindTempoEnv(), nullptr);

@@ -161,7 +161,7 @@ TEST_F(ConductorTracks, TheMeterAndTempoLookupsReadTheEnvelopes)
 
     // Forgotten when removed, so no lookup reads a dead envelope.
     conductorStaff->RemoveChild(meters, 1);
-    EXPECT_EQ(conductorStaff->GetMeterEnv(), nullptr);
+    EXPECT_EQ(conductorStaff->FindMeterEnv(), nullptr);
     EXPECT_EQ(m_conductor->GetDocMeter(), nullptr);
 }
 
