@@ -224,21 +224,6 @@ std::string EventLine(ECBase *event)
         if (!root.IsEmpty())
             line += std::string(" custom-root='") + CStringA(root).GetString() + "'";
     }
-    // Attachments that the tool knows show their fields.
-    for (int slot = 0; slot < event->GetData()->GetSize(); ++slot)
-    {
-        const DCBase *data = event->GetData()->GetAt(slot);
-        if (!data || !data->IsKindOf(RUNTIME_CLASS(MCInstrument)))
-            continue;
-        auto *instrument = static_cast<const MCInstrument *>(data);
-        line += " instrument=\"" + instrument->GetName().ToUtf8() + "\" description=\"" +
-                instrument->GetDescription().ToUtf8() + "\" strings=" + std::to_string(instrument->GetStringsCount()) +
-                " frets=" + std::to_string(instrument->GetFretsCount()) +
-                " distance=" + std::to_string(instrument->GetFingerDistance()) + " tunes=";
-        for (INT_PTR i = 0; i < instrument->GetTunes().GetSize(); ++i)
-            line += (i ? "," : "") + std::to_string(instrument->GetTunes()[i]);
-        line += " initialized=" + std::to_string(instrument->Initialized());
-    }
     line += MediaFields(event);
     // The score matrix: a column's rows, a staff's fields, the conductor
     // staff's measures and groups.
@@ -271,6 +256,21 @@ std::string EventLine(ECBase *event)
                       staff->GetPercussionStaffMap(), staff->GetPercussionStaffMidiPitch(),
                       staff->GetCache()->GetPointCount());
         line += text;
+    }
+    // Attachments that the tool knows show their fields.
+    for (int slot = 0; slot < event->GetData()->GetSize(); ++slot)
+    {
+        const DCBase *data = event->GetData()->GetAt(slot);
+        if (!data || !data->IsKindOf(RUNTIME_CLASS(MCInstrument)))
+            continue;
+        auto *instrument = static_cast<const MCInstrument *>(data);
+        line += " instrument=\"" + instrument->GetName().ToUtf8() + "\" description=\"" +
+                instrument->GetDescription().ToUtf8() + "\" strings=" + std::to_string(instrument->GetStringsCount()) +
+                " frets=" + std::to_string(instrument->GetFretsCount()) +
+                " distance=" + std::to_string(instrument->GetFingerDistance()) + " tunes=";
+        for (INT_PTR i = 0; i < instrument->GetTunes().GetSize(); ++i)
+            line += (i ? "," : "") + std::to_string(instrument->GetTunes()[i]);
+        line += " initialized=" + std::to_string(instrument->Initialized());
     }
     return line;
 }

@@ -387,6 +387,10 @@ ECConductorMeasure *ECConductorStaff::GetConductorMeasureAtTime(MCTime &time, in
         m_nCurrentMeasure = m_nMaxMeasure;
         return GetConductorMeasureAtTime(time, 0, 0);
     }
+    // A score whose end was set with no columns behind it has nothing to
+    // answer with.
+    if (m_measures.GetSize() == 0)
+        return nullptr;
     ClampCursor();
     bool back = false;
     while (time < *m_measures.GetAt(m_nCurrentMeasure)->GetTime())
