@@ -3,6 +3,7 @@
 
 #include "ArchiveBytes.h"
 
+#include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/base/ECBase.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/CFile.h>
@@ -48,3 +49,21 @@ T *LoadObject(const Bytes &bytes, bool *failed = nullptr)
         *failed = false;
     return root;
 }
+
+// Loads as a document of `version` would, for the scope's duration.
+class DocumentVersion
+{
+public:
+    explicit DocumentVersion(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
+    DocumentVersion(const DocumentVersion &) = delete;
+    DocumentVersion &operator=(const DocumentVersion &) = delete;
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};

@@ -32,22 +32,6 @@ int TestInvalid::s_alive = 0;
 
 namespace
 {
-// Loads as a document of an old version would, for the scope's duration.
-class OldDocument
-{
-public:
-    explicit OldDocument(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~OldDocument() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
-
 Bytes Le32(int value)
 {
     Bytes out(4);
@@ -292,7 +276,7 @@ TEST_F(ECBaseArchiveTest, AttachmentsRoundTripInTheirSlots)
         leaf->Unref(1);
         CPluginData::RemovePlugin(&entry);
 
-        std::optional<OldDocument> old;
+        std::optional<DocumentVersion> old;
         if (c.version)
             old.emplace(c.version);
         TestLeaf *loaded = LoadObject<TestLeaf>(bytes);
@@ -362,7 +346,7 @@ TEST_F(ECBaseArchiveTest, OldAttachmentLayoutPlacesObjectsByPosition)
                                                       {0x00, 0x00}, // the second position is empty
                                                       timeBytes,
                                                       {0x12, 0x00}}))});
-    OldDocument old(0);
+    DocumentVersion old(0);
     TestLeaf *leaf = LoadObject<TestLeaf>(stream);
     ASSERT_NE(leaf, nullptr);
     EXPECT_EQ(leaf->GetData()->GetSize(), 4) << "positions 0 and 1 reach slot 3";

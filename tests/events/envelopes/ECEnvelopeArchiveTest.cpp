@@ -14,21 +14,6 @@
 
 namespace
 {
-class DocumentVersion
-{
-public:
-    explicit DocumentVersion(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};
-
 template <class T>
 T *New()
 {
