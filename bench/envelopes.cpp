@@ -19,6 +19,8 @@
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #ifdef SCOREMODEL_BENCH_PORTSMF
@@ -292,25 +294,7 @@ BENCHMARK(BM_ClockTime)->ArgsProduct({{100, 1000, 10000}, {0, 1}});
 BENCHMARK(BM_NormalizedTime)->ArgsProduct({{100, 1000, 10000}, {0, 1}});
 BENCHMARK(BM_LinearScan)->ArgsProduct({{100, 1000, 10000}, {0, 1}});
 
-// Collects CPU ns per iteration by run name, for the ratios.
-class Collector : public benchmark::ConsoleReporter
-{
-public:
-    std::map<std::string, double> ns;
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                ns[run.benchmark_name()] = run.GetAdjustedCPUTime() *
-                                           (run.time_unit == benchmark::kMillisecond ? 1e6 : 1.0);
-        ConsoleReporter::ReportRuns(runs);
-    }
-    double Get(const std::string &name) const
-    {
-        auto it = ns.find(name);
-        return it == ns.end() ? 0.0 : it->second;
-    }
-};
+using bench::Collector;
 
 void PrintRatios(const Collector &c)
 {
@@ -398,11 +382,8 @@ void PlaybackWhileEditing()
 
 int main(int argc, char **argv)
 {
-    benchmark::Initialize(&argc, argv);
-    Collector collector;
-    benchmark::RunSpecifiedBenchmarks(&collector);
-    benchmark::Shutdown();
-    PrintRatios(collector);
-    PlaybackWhileEditing();
-    return 0;
+    return bench::RunAndReport(argc, argv, [](const Collector &collector) {
+        PrintRatios(collector);
+        PlaybackWhileEditing();
+    });
 }

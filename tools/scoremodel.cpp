@@ -22,6 +22,8 @@
 #include <scoremodel/events/envelopes/ECControllerPoints.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
+#include <scoremodel/events/signatures/ECMeter.h>
+#include <scoremodel/events/signatures/ECMeterEnv.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -68,6 +70,43 @@ std::string TimeText(const MCTime *time)
     }
 }
 
+// A meter: signature, type, pickup role, pulse and stresses in ticks of the
+// 256 grid (length/pulses), the components of a list meter, and where it
+// starts in bar.pulse.tick/resolution.
+std::string MeterText(ECMeter *meter)
+{
+    std::string text = " meter=" + std::to_string(meter->GetNumerator()) + "/" +
+                       std::to_string(meter->GetDenominator()) + " type=" + std::to_string(meter->GetMeterType()) +
+                       " role=" + std::to_string(meter->GetPickupRole()) +
+                       " pulse=" + std::to_string(meter->GetPulseTicks(256)) + " stresses=";
+    for (unsigned short i = 0; i < meter->GetStressPulsesPerMeasure(); ++i)
+    {
+        // A loaded count may run past the stored entries: show what is there.
+        try
+        {
+            text += (i ? "," : "") + std::to_string(meter->GetStressTicks(i, 256)) + "/" +
+                    std::to_string(meter->GetPulsesPerStress(i));
+        }
+        catch (const CInvalidArgException &)
+        {
+            text += (i ? ",?" : "?");
+        }
+    }
+    CByteArray &nums = meter->GetCompoundNumerator();
+    CByteArray &dens = meter->GetCompoundDenominator();
+    if (!nums.IsEmpty() || !dens.IsEmpty())
+    {
+        text += " parts=";
+        for (INT_PTR i = 0; i < nums.GetSize(); ++i)
+            text += (i ? "+" : "") + std::to_string(nums[i]) + "/" +
+                    std::to_string(dens.GetSize() > i ? dens[i] : (dens.IsEmpty() ? 0 : dens[0]));
+    }
+    const BPTTime &at = meter->GetBarPulseTick();
+    text += " at=" + std::to_string(at.bar) + "." + std::to_string(at.pulse) + "." + std::to_string(at.tick) + "/" +
+            std::to_string(at.ppq);
+    return text;
+}
+
 // One line for an event: class, id, time, voice and track.
 std::string EventLine(ECBase *event)
 {
@@ -87,6 +126,8 @@ std::string EventLine(ECBase *event)
                       static_cast<double>(tempo->GetValue()), tempo->GetStyle());
         line += text + TimeText(&tempo->GetClockTime());
     }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECMeter)))
+        line += MeterText(static_cast<ECMeter *>(event));
     else if (event->IsKindOf(RUNTIME_CLASS(ECEnvPoint)))
     {
         auto *point = static_cast<ECEnvPoint *>(event);
@@ -258,6 +299,45 @@ int Demo(const char *path)
             tempo->SetStyle(p.style);
             tempo->SetAnchorHead(p.type == 25);
             tempi->AddChild(tempo, 1);
+        }
+    }
+    // A meter map that opens with a pickup: a quarter of role 2 before the
+    // 4/4 the piece is in (role 1), then 6/8 and a list meter of 3/8 + 2/4.
+    ECMeterEnv *meters = conductorStaff->GetMeterEnv();
+    if (!meters)
+    {
+        meters = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
+        meters->SetVoiceTrack(14, 0);
+        if (!conductorStaff->AddChild(meters, 1))
+        {
+            meters->Ref();
+            meters->Unref(1);
+            meters = nullptr;
+        }
+    }
+    if (meters)
+    {
+        const struct
+        {
+            float at;
+            int n, d, role;
+        } signatures[] = {{0, 1, 4, 2}, {1, 4, 4, 1}, {9, 6, 8, 0}, {15, 0, 0, 0}};
+        for (const auto &s : signatures)
+        {
+            auto *meter = new ECMeter(static_cast<unsigned char>(s.n), static_cast<unsigned char>(s.d), 255);
+            if (s.n == 0)
+            {
+                CByteArray nums, dens;
+                nums.Add(3);
+                nums.Add(2);
+                dens.Add(8);
+                dens.Add(4);
+                meter->SetMeter(nums, dens, 0);
+            }
+            MCTime at(s.at);
+            meter->SetTime(&at);
+            meter->SetPickupRole(static_cast<unsigned char>(s.role));
+            meters->AddChild(meter, 1);
         }
     }
     auto *volume = static_cast<ECControllerEnv *>(RUNTIME_CLASS(ECControllerEnv)->CreateObject());

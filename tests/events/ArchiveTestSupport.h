@@ -14,6 +14,22 @@
 using archive_bytes::Bytes;
 using archive_bytes::Store;
 
+// Loaders read the version of a document of that number while it lives.
+class DocumentVersion
+{
+public:
+    explicit DocumentVersion(int version)
+    {
+        s_version = version;
+        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
+    }
+    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
+
+private:
+    static inline int s_version = 0;
+    ARCHIVEVERSIONFUNC m_previous;
+};
+
 // Reads `bytes` with `read` and answers how many of them the archive used.
 inline ULONGLONG LoadBytes(const Bytes &bytes, const std::function<void(CArchive &)> &read)
 {

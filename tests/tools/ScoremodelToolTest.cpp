@@ -79,6 +79,14 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
         << dump.out;
     EXPECT_NE(dump.out.find("ECControlChange id=18 time=4 voice=15 track=2047 value=80 style=1\n"), std::string::npos)
         << dump.out;
+    // Meters show their shape, role, stresses and start position.
+    EXPECT_NE(dump.out.find("ECMeter id=33 time=9 voice=14 track=0 meter=6/8 type=3 role=0 pulse=128 "
+                            "stresses=384/3,384/3 at=3.0.0/480\n"),
+              std::string::npos)
+        << dump.out;
+    EXPECT_NE(dump.out.find("meter=7/8 type=6 role=0 pulse=128 stresses=384/3,512/2 parts=3/8+2/4 at=5.0.0/480\n"),
+              std::string::npos)
+        << dump.out;
 
     ToolRun info = Tool("info '" + file + "'");
     ASSERT_EQ(info.code, 0) << info.err;

@@ -2,6 +2,7 @@
 
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
+#include <scoremodel/events/envelopes/EnvelopeNodes.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/Exceptions.h>
 
@@ -11,23 +12,13 @@ IMPLEMENT_SERIAL(ECEnvelope, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Node = MCObList::Node;
+using envelope_nodes::AsNode;
+using envelope_nodes::Next;
+using envelope_nodes::Prev;
 
-inline Node *AsNode(POSITION pos)
-{
-    return reinterpret_cast<Node *>(pos);
-}
-inline POSITION Prev(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(AsNode(pos)->pPrev);
-}
-inline POSITION Next(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(AsNode(pos)->pNext);
-}
 inline ECEnvPoint *PointOf(POSITION pos)
 {
-    return static_cast<ECEnvPoint *>(static_cast<ECBase *>(AsNode(pos)->data));
+    return envelope_nodes::ItemAt<ECEnvPoint>(pos);
 }
 // Every child is an ECEnvPoint (AddChild and the loader see to it), so the
 // time is read without a virtual call.
@@ -844,6 +835,26 @@ void ECEnvelope::Reset()
     m_lastIntValue = 0x7FFFFFFF;
     m_lastValueTime = MCTime::TimeZero();
     m_lastEndTime = MCTime::TimeZero();
+}
+
+// ---- Maps of one point class ----
+
+int ECEnvelope::AddChildOfKind(ECBase *child, int sorted, CRuntimeClass *kind)
+{
+    if (!child || !child->IsKindOf(kind))
+        return 0;
+    CSingleLock lock(&m_lock, TRUE);
+    if (!ECEnvelope::AddChild(child, sorted))
+        return 0;
+    child->SetVoiceTrack(GetVoiceTrack());
+    return 1;
+}
+
+void ECEnvelope::CheckChildrenOfKind(CRuntimeClass *kind, const char *what)
+{
+    for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
+        if (!envelope_nodes::ItemAt<ECBase>(pos)->IsKindOf(kind))
+            throw CArchiveException(CArchiveException::genericException, what);
 }
 
 // ---- Archive ----

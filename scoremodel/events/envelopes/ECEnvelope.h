@@ -236,6 +236,15 @@ protected:
     int _GetPointsInRange(MCTime &from, MCTime &to, EventList &list, int flagMask);
     void DeleteAnchorGroups();
 
+    // ---- For the maps whose points are of one class (tempo, meter) ----
+
+    // AddChild for an instance of `kind` only (0 for anything else); on
+    // success the child takes this envelope's voice/track word.
+    int AddChildOfKind(ECBase *child, int sorted, CRuntimeClass *kind);
+    // After a load: a child that is no `kind` is a corrupt file
+    // (CArchiveException naming `what`).
+    void CheckChildrenOfKind(CRuntimeClass *kind, const char *what);
+
     POSITION m_pos = nullptr;
     float m_defaultValue = 0.0f;
     float m_lowerLimit = -3.4028235e38f;

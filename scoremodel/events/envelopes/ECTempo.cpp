@@ -2,7 +2,7 @@
 
 #include <scoremodel/events/base/ArchiveVersion.h>
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
-#include <scoremodel/events/notes/ECMirror.h>
+#include <scoremodel/events/notes/MirrorLinks.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/MCLanguageManager.h>
 #include <scoremodel/platform/Preferences.h>
@@ -214,28 +214,17 @@ CString ECTempo::GetText() const
 
 void ECTempo::AddMirror(ECMirror *mirror)
 {
-    if (!mirror)
-        return;
-    m_mirrors.AddTail(mirror);
-    mirror->SetMirrorEvent(this, 0);
+    mirror_links::Add(m_mirrors, mirror, this);
 }
 
 void ECTempo::RemoveMirror(ECMirror *mirror)
 {
-    if (!mirror)
-        return;
-    POSITION pos = m_mirrors.Find(mirror);
-    if (!pos)
-        return;
-    mirror->SetMirrorEvent(nullptr, 0);
-    m_mirrors.RemoveAt(pos);
+    mirror_links::Remove(m_mirrors, mirror);
 }
 
 void ECTempo::RemoveMirrors()
 {
-    for (POSITION pos = m_mirrors.GetHeadPosition(); pos;)
-        static_cast<ECMirror *>(m_mirrors.GetNext(pos))->SetMirrorEvent(nullptr, 0);
-    m_mirrors.RemoveAll();
+    mirror_links::RemoveAll(m_mirrors);
 }
 
 void ECTempo::Serialize(CArchive &ar)

@@ -1,6 +1,7 @@
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
 
 #include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/envelopes/EnvelopeNodes.h>
 #include <scoremodel/platform/CArchive.h>
 #include <scoremodel/platform/Exceptions.h>
 
@@ -10,19 +11,12 @@ IMPLEMENT_SERIAL(ECTempoEnv, ECEnvelope, VERSIONABLE_SCHEMA | 2)
 
 namespace
 {
-using Node = MCObList::Node;
+using envelope_nodes::Next;
+using envelope_nodes::Prev;
 
-inline POSITION Prev(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pPrev);
-}
-inline POSITION Next(POSITION pos)
-{
-    return reinterpret_cast<POSITION>(reinterpret_cast<Node *>(pos)->pNext);
-}
 inline ECTempo *TempoOf(POSITION pos)
 {
-    return static_cast<ECTempo *>(static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data));
+    return envelope_nodes::ItemAt<ECTempo>(pos);
 }
 inline double Beat(ECTempo *tempo)
 {
@@ -89,13 +83,7 @@ int ECTempoEnv::GetParentTypes(CArray<int, int> &types)
 
 int ECTempoEnv::AddChild(ECBase *child, int sorted)
 {
-    if (!child || !child->IsKindOf(RUNTIME_CLASS(ECTempo)))
-        return 0;
-    CSingleLock lock(&m_lock, TRUE);
-    if (!ECEnvelope::AddChild(child, sorted))
-        return 0;
-    child->SetVoiceTrack(GetVoiceTrack());
-    return 1;
+    return AddChildOfKind(child, sorted, RUNTIME_CLASS(ECTempo));
 }
 
 void ECTempoEnv::UpdateChildren()
@@ -245,8 +233,6 @@ void ECTempoEnv::Serialize(CArchive &ar)
     ECEnvelope::Serialize(ar);
     if (ar.IsStoring())
         return;
-    for (POSITION pos = m_children.GetHeadPosition(); pos; pos = Next(pos))
-        if (!static_cast<ECBase *>(reinterpret_cast<Node *>(pos)->data)->IsKindOf(RUNTIME_CLASS(ECTempo)))
-            throw CArchiveException(CArchiveException::genericException, "a tempo map child that is not a tempo");
+    CheckChildrenOfKind(RUNTIME_CLASS(ECTempo), "a tempo map child that is not a tempo");
     RecalculateClockTimes();
 }

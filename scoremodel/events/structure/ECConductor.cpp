@@ -28,14 +28,6 @@ ECMeter *AsMeter(ECEnvPoint *point)
 {
     return point && point->IsKindOf(RUNTIME_CLASS(ECMeter)) ? static_cast<ECMeter *>(point) : nullptr;
 }
-
-// The pickup role of a meter: 1 the meter that follows a pickup, 2 the
-// pickup itself. Meters keep no role yet, so every meter counts as a full
-// one (role 0).
-BYTE PickupRoleOf(ECMeter *)
-{
-    return 0;
-}
 } // namespace
 
 ECConductor::ECConductor() = default;
@@ -481,7 +473,7 @@ ECMeter *ECConductor::GetMeterByPickupRole(BYTE role)
     for (POSITION pos = points->GetHeadPosition(); pos;)
     {
         ECBase *point = points->GetNext(pos);
-        if (point->IsKindOf(RUNTIME_CLASS(ECMeter)) && PickupRoleOf(static_cast<ECMeter *>(point)) == role)
+        if (point->IsKindOf(RUNTIME_CLASS(ECMeter)) && static_cast<ECMeter *>(point)->GetPickupRole() == role)
             return static_cast<ECMeter *>(point);
     }
     return nullptr;
@@ -491,7 +483,7 @@ ECMeter *ECConductor::GetDocMeter()
 {
     MCTime zero = MCTime::TimeZero();
     ECMeter *first = GetMeterAtTime(zero);
-    if (!first || PickupRoleOf(first) != 2)
+    if (!first || first->GetPickupRole() != 2)
         return first;
     if (ECMeter *full = GetMeterByPickupRole(1))
         return full;

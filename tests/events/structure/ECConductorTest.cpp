@@ -164,3 +164,32 @@ TEST_F(ConductorTracks, TheMeterAndTempoLookupsReadTheEnvelopes)
     EXPECT_EQ(conductorStaff->GetMeterEnv(), nullptr);
     EXPECT_EQ(m_conductor->GetDocMeter(), nullptr);
 }
+
+TEST_F(ConductorTracks, TheDocumentMeterLooksPastAPickup)
+{
+    ECConductorStaff *conductorStaff = m_conductor->GetConductorStaff();
+    auto *meters = static_cast<ECMeterEnv *>(RUNTIME_CLASS(ECMeterEnv)->CreateObject());
+    conductorStaff->AddChild(meters, 0);
+    auto add = [&](float at, int role) {
+        auto *meter = new ECMeter(4, 4, 255);
+        MCTime time(at);
+        meter->SetTime(&time);
+        meter->SetPickupRole(static_cast<unsigned char>(role));
+        meters->AddChild(meter, 1);
+        return meter;
+    };
+    ECMeter *pickup = add(0.0f, 2);
+    EXPECT_EQ(m_conductor->GetDocMeter(), pickup) << "a lone pickup stands for the document";
+    ECMeter *second = add(1.0f, 0);
+    EXPECT_EQ(m_conductor->GetDocMeter(), second) << "without a role 1, the second point";
+    ECMeter *real = add(9.0f, 1);
+    EXPECT_EQ(m_conductor->GetDocMeter(), real);
+    EXPECT_EQ(m_conductor->GetMeterByPickupRole(1), real);
+    EXPECT_EQ(m_conductor->GetMeterByPickupRole(2), pickup);
+    EXPECT_EQ(m_conductor->GetMeterByPickupRole(3), nullptr);
+    ECMeter *closing = add(20.0f, 3);
+    EXPECT_EQ(m_conductor->GetMeterByPickupRole(3), closing);
+    pickup->SetPickupRole(0);
+    EXPECT_EQ(m_conductor->GetDocMeter(), pickup) << "an ordinary first meter is the document's";
+    conductorStaff->RemoveChild(meters, 1);
+}
