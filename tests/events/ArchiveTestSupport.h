@@ -65,21 +65,3 @@ T *LoadObject(const Bytes &bytes, bool *failed = nullptr)
         *failed = false;
     return root;
 }
-
-// Loads as a document of `version` would, for the scope's duration.
-class DocumentVersion
-{
-public:
-    explicit DocumentVersion(int version)
-    {
-        s_version = version;
-        m_previous = SetActiveArchiveVersionSource([] { return s_version; });
-    }
-    ~DocumentVersion() { SetActiveArchiveVersionSource(m_previous); }
-    DocumentVersion(const DocumentVersion &) = delete;
-    DocumentVersion &operator=(const DocumentVersion &) = delete;
-
-private:
-    static inline int s_version = 0;
-    ARCHIVEVERSIONFUNC m_previous;
-};

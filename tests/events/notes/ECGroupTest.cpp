@@ -12,6 +12,8 @@
 #include <scoremodel/events/notes/ECNote.h>
 #include <scoremodel/events/notes/ECSlur.h>
 #include <scoremodel/events/notes/ECTie.h>
+#include <scoremodel/events/notes/ECTuplet.h>
+#include <scoremodel/events/structure/ECMeasure.h>
 
 #include <gtest/gtest.h>
 
@@ -185,17 +187,17 @@ TEST(ECGroupTest, TheTypeIsInTheRecordFromVersionThree)
     tie->Unref(1);
 }
 
-// Groups of random life bits over random notes under one parent; notes join
-// and leave groups, groups and notes leave the parent, in random order. After
-// every step: links agree on both ends, each count is the lists that hold the
-// event plus the test's own hold, and the life rules hold.
+// Groups of random life bits and tuplets over random notes in one measure;
+// notes join and leave groups, groups and notes leave the measure, in random
+// order. After every step: links agree on both ends, each count is the lists
+// that hold the event plus the test's own hold, the life rules hold, and a
+// tuplet that left gave its notes to the measure.
 TEST(ECGroupTest, RandomEditsKeepTheLifeRulesAndTheCounts)
 {
     std::mt19937 rng(20261125);
     for (int round = 0; round < 40; ++round)
     {
-        TestNode *parent = TestNode::Make();
-        parent->Ref();
+        ECMeasure *parent = Held<ECMeasure>();
         std::vector<ECBase *> notes, groups;
         for (int i = 0; i < 12; ++i)
         {
@@ -206,9 +208,12 @@ TEST(ECGroupTest, RandomEditsKeepTheLifeRulesAndTheCounts)
         const BYTE bits[] = {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06};
         for (int i = 0; i < 5; ++i)
         {
-            ECGroup *group = nullptr;
-            switch (rng() % 4)
+            ECBase *group = nullptr;
+            switch (rng() % 5)
             {
+            case 4:
+                group = Held<ECTuplet>();
+                break;
             case 0:
                 group = Held<ECTie>();
                 break;
@@ -221,14 +226,15 @@ TEST(ECGroupTest, RandomEditsKeepTheLifeRulesAndTheCounts)
             default:
                 group = Held<ECGroup>();
             }
-            group->SetGroupType(bits[rng() % 7]);
+            if (auto *g = dynamic_cast<ECGroup *>(group))
+                g->SetGroupType(bits[rng() % 7]);
             parent->AddChild(group, 0);
             groups.push_back(group);
         }
 
         for (int step = 0; step < 120; ++step)
         {
-            ECGroup *group = static_cast<ECGroup *>(groups[rng() % groups.size()]);
+            ECBase *group = groups[rng() % groups.size()];
             ECBase *note = notes[rng() % notes.size()];
             switch (rng() % 6)
             {
@@ -246,9 +252,18 @@ TEST(ECGroupTest, RandomEditsKeepTheLifeRulesAndTheCounts)
                 if (rng() % 2)
                 {
                     const bool held = Holds(parent->GetChildren(), group);
+                    const std::vector<ECBase *> children = Elements(group->GetChildren());
+                    if (group->GetEventId() == EVENT_ID_TUPLET)
+                    {
+                        group->RemoveFromParents();
+                        for (ECBase *child : children)
+                            ASSERT_TRUE(!held || Holds(parent->GetChildren(), child)) << "handed to the measure";
+                        break;
+                    }
                     parent->RemoveChild(group, 0);
-                    const bool rule = held && group->HasType(ECGroup::RemoveChildrenWithLastParent) &&
-                                      !group->HasType(ECGroup::ClosedWhileParentless);
+                    auto *g = static_cast<ECGroup *>(group);
+                    const bool rule = held && g->HasType(ECGroup::RemoveChildrenWithLastParent) &&
+                                      !g->HasType(ECGroup::ClosedWhileParentless);
                     ASSERT_TRUE(!rule || group->GetChildren()->IsEmpty()) << "the children go with the last parent";
                 }
                 else
@@ -283,16 +298,17 @@ TEST(ECGroupTest, RandomEditsKeepTheLifeRulesAndTheCounts)
                 ASSERT_EQ(e->GetRefCount(), 1 + holders[e]) << "step " << step;
             for (ECBase *g : groups)
             {
-                auto *group = static_cast<ECGroup *>(g);
+                auto *group = dynamic_cast<ECGroup *>(g);
                 const bool parentless = g->GetParents()->IsEmpty();
-                ASSERT_TRUE(!group->HasType(ECGroup::ClosedWhileParentless) ||
+                ASSERT_TRUE(!group || !group->HasType(ECGroup::ClosedWhileParentless) ||
                             (group->HasType(ECGroup::Closed) != 0) == parentless)
                     << "step " << step;
             }
         }
 
         for (ECBase *g : groups)
-            static_cast<ECGroup *>(g)->SetGroupType(0);
+            if (auto *group = dynamic_cast<ECGroup *>(g))
+                group->SetGroupType(0);
         parent->RemoveChildren(0);
         parent->Unref(1);
         for (ECBase *g : groups)
