@@ -77,6 +77,11 @@ int ECGroup::RemoveChildren(int deep)
     return 1;
 }
 
+int ECGroup::RemoveFromChildren()
+{
+    return RemoveChildren(0);
+}
+
 void ECGroup::RemoveChildrenWhenNoNoteIsLeft()
 {
     if (!m_children.FindEvent(EVENT_ID_NOTE))

@@ -61,6 +61,10 @@ public:
     // 0, touching nothing, while the group is closed.
     int RemoveChild(ECBase *child, int deep) override;
     int RemoveChildren(int deep) override;
+    // A group taken out of the tree lets go of its children (a closed one
+    // keeps them), so that no note keeps a parent that is not in the tree;
+    // the remove command keeps the links for its undo.
+    int RemoveFromChildren() override;
 
     ECGroup &operator=(const ECGroup &other)
     {
