@@ -142,17 +142,24 @@
 #include <scoremodel/events/media/RTFExtractor.h>
 
 // Commands and the undo history.
+#include <scoremodel/commands/CCAdd.h>
+#include <scoremodel/commands/CCAddNoteModifier.h>
+#include <scoremodel/commands/CCAddRemoveItems.h>
 #include <scoremodel/commands/CCAddTrack.h>
+#include <scoremodel/commands/CCAddTuplet.h>
 #include <scoremodel/commands/CCBase.h>
+#include <scoremodel/commands/CCRemove.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandList.h>
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/commands/MCCommandTimer.h>
+#include <scoremodel/commands/MCRelationCache.h>
 #include <scoremodel/commands/MCUndoItem.h>
 #include <scoremodel/commands/MCOleDataIn.h>
 #include <scoremodel/commands/MCOleDataInfo.h>
 #include <scoremodel/commands/MCOleDataOut.h>
 #include <scoremodel/commands/CCOrderTracks.h>
+#include <scoremodel/commands/SelectionTracks.h>
 
 // Walks over the tree.
 #include <scoremodel/actions/ACBase.h>

@@ -25,6 +25,11 @@
 #include <scoremodel/events/envelopes/ECTempoEnv.h>
 #include <scoremodel/events/signatures/ECClef.h>
 #include <scoremodel/events/signatures/ECKey.h>
+#include <scoremodel/events/notes/ECAccent.h>
+#include <scoremodel/events/notes/ECGroup.h>
+#include <scoremodel/events/notes/ECNote.h>
+#include <scoremodel/events/notes/ECRest.h>
+#include <scoremodel/events/notes/ECTuplet.h>
 #include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/events/signatures/ECMeterEnv.h>
 #include <scoremodel/events/marks/ECFlowControl.h>
@@ -165,6 +170,34 @@ std::string MediaFields(ECBase *event)
     return std::string();
 }
 
+// The values of the events that carry the music: a note's length and
+// tablature place, a rest's type, a group's life bits, a tuplet's ratio, and
+// a mark's type byte. Empty for other classes.
+std::string NoteText(ECBase *event)
+{
+    char text[128] = "";
+    if (event->IsKindOf(RUNTIME_CLASS(ECNote)))
+    {
+        auto *note = static_cast<ECNote *>(event);
+        std::snprintf(text, sizeof text, " duration=%s string=%d fret=%d notation=0x%02X",
+                      TimeText(note->GetDuration()).c_str(), note->GetString(), note->GetFret(),
+                      note->GetNotationByte());
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECRest)))
+        std::snprintf(text, sizeof text, " rest=%d", static_cast<ECRest *>(event)->GetRestType());
+    else if (event->IsKindOf(RUNTIME_CLASS(ECGroup)))
+        std::snprintf(text, sizeof text, " group=0x%02X", static_cast<ECGroup *>(event)->GetGroupType());
+    else if (event->IsKindOf(RUNTIME_CLASS(ECTuplet)))
+    {
+        auto *tuplet = static_cast<ECTuplet *>(event);
+        std::snprintf(text, sizeof text, " tuplet=%d:%d units=%d", tuplet->GetIrregular(), tuplet->GetNormal(),
+                      tuplet->GetUnits());
+    }
+    else if (event->IsKindOf(RUNTIME_CLASS(ECAccent)))
+        std::snprintf(text, sizeof text, " type=%d", static_cast<ECAccent *>(event)->GetAccentType());
+    return text;
+}
+
 // One line for an event: class, id, time, voice and track.
 std::string EventLine(ECBase *event)
 {
@@ -186,6 +219,8 @@ std::string EventLine(ECBase *event)
     }
     else if (event->IsKindOf(RUNTIME_CLASS(ECMeter)))
         line += MeterText(static_cast<ECMeter *>(event));
+    else if (std::string notes = NoteText(event); !notes.empty())
+        line += notes;
     else if (event->IsKindOf(RUNTIME_CLASS(ECEnvPoint)))
     {
         auto *point = static_cast<ECEnvPoint *>(event);

@@ -28,16 +28,23 @@ enum ArchiveVersionThreshold : int
     // MCDataArray and DCBase: the attachment layout with slots; the conductor
     // staff: its tempo and meter envelope references.
     ArchiveVersionAttachmentSlots = 3,
+    // ECGraceNote: no second duration after the note's record; ECBarline:
+    // type and position packed in one byte; ECGroup: the group type.
+    ArchiveVersionPackedMarks = 3,
     // ECStaff: percussion fields, staff lines and staff size.
     ArchiveVersionStaffLayout = 5,
     // MCInstrument: name, description and the three counts.
     ArchiveVersionInstrumentFields = 5,
     // MCInstrument: the tunes and the initialized word.
     ArchiveVersionInstrumentTunes = 6,
+    // ECNote: the fret and the string.
+    ArchiveVersionNoteTablature = 5,
     // ECTurn: accidentals in place of the old turn type.
     ArchiveVersionTurnAccidentals = 14,
     // ECStaff: the staff sizes of today (8 and 9 were 32 and 33).
     ArchiveVersionStaffSize = 16,
+    // ECNote: the button-accordion notation byte.
+    ArchiveVersionNotationByte = 18,
     // ECConductor: the chord staff.
     ArchiveVersionChordStaff = 19,
     // ECConductorMeasure: the collapse value.

@@ -323,6 +323,14 @@ int ECBase::IsValid()
     return 1;
 }
 
+void ECBase::SerializeSpareByte(CArchive &ar)
+{
+    if (ar.IsStoring())
+        ar << m_spare;
+    else
+        ar >> m_spare;
+}
+
 void ECBase::Serialize(CArchive &ar)
 {
     CObject::Serialize(ar);

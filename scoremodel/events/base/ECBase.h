@@ -230,6 +230,9 @@ protected:
     // The byte beside the flags that derived classes use for a value of their own.
     BYTE GetSpareByte() const { return m_spare; }
     void SetSpareByte(BYTE value) { m_spare = value; }
+    // The record of the small marks that keep their value in the spare
+    // byte: the byte written and read raw, after the base record.
+    void SerializeSpareByte(CArchive &ar);
 
     // Keeps an event alive across an operation that may release its last
     // holder: if the operation does, the event dies when the guard ends. An

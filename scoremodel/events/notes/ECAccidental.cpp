@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECAccidental.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECAccidental, ECBase, VERSIONABLE_SCHEMA | 2)
 
 ECAccidental::~ECAccidental() = default;
@@ -21,4 +23,10 @@ int ECAccidental::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_NOTE);
     types.Add(EVENT_ID_GRACE_NOTE);
     return 1;
+}
+
+void ECAccidental::Serialize(CArchive &ar)
+{
+    ECBase::Serialize(ar);
+    SerializeSpareByte(ar);
 }

@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECArpeggio.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECArpeggio, ECBase, VERSIONABLE_SCHEMA | 2)
 
 ECArpeggio::~ECArpeggio() = default;
@@ -20,4 +22,10 @@ int ECArpeggio::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_CHORD);
     return 1;
+}
+
+void ECArpeggio::Serialize(CArchive &ar)
+{
+    ECBase::Serialize(ar);
+    SerializeSpareByte(ar);
 }

@@ -21,3 +21,8 @@ int ECBeam::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_MEASURE);
     return 1;
 }
+
+int ECBeam::RemoveChild(ECBase *child, int deep)
+{
+    return ECGroup::RemoveChild(child, deep) ? 1 : 0;
+}

@@ -18,6 +18,9 @@ public:
     // ECMeasure.
     int GetParentTypes(CArray<int, int> &types) override;
 
+    // The group's removal, its result made 1 or 0.
+    int RemoveChild(ECBase *child, int deep) override;
+
     ECBeam &operator=(const ECBeam &other)
     {
         ECGroup::operator=(other);

@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECDot.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECDot, ECBase, VERSIONABLE_SCHEMA | 2)
 
 ECDot::~ECDot() = default;
@@ -22,4 +24,10 @@ int ECDot::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_CHORD);
     types.Add(EVENT_ID_REST);
     return 1;
+}
+
+void ECDot::Serialize(CArchive &ar)
+{
+    ECBase::Serialize(ar);
+    SerializeSpareByte(ar);
 }

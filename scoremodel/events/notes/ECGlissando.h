@@ -1,5 +1,7 @@
 // ECGlissando: a glissando between notes, hung under the staff.
 //
+// A tie, slur or glissando keeps no child once its last note goes.
+//
 // Archive record: that of ECGroup.
 #pragma once
 
@@ -17,6 +19,9 @@ public:
     int GetEventId() const override;
     // ECStaff.
     int GetParentTypes(CArray<int, int> &types) override;
+
+    // The group's removal; when no note is left, the other children go too.
+    int RemoveChild(ECBase *child, int deep) override;
 
     ECGlissando &operator=(const ECGlissando &other)
     {

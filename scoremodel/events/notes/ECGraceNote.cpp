@@ -1,5 +1,8 @@
 #include <scoremodel/events/notes/ECGraceNote.h>
 
+#include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECGraceNote, ECNote, VERSIONABLE_SCHEMA | 2)
 
 ECGraceNote::~ECGraceNote() = default;
@@ -20,4 +23,14 @@ int ECGraceNote::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_NOTE);
     return 1;
+}
+
+void ECGraceNote::Serialize(CArchive &ar)
+{
+    ECNote::Serialize(ar);
+    if (ar.IsLoading() && ActiveArchiveVersion() < ArchiveVersionPackedMarks)
+    {
+        MCTime unused;
+        unused.Serialize(ar, ActiveArchiveVersion());
+    }
 }

@@ -1,8 +1,11 @@
 // ECGraceNote: a grace note, hung under the note it ornaments.
 //
-// A note in every field, its duration included.
+// A note in every field, its duration included: the grace note's own
+// duration is the note's stored value, which the host reads as the written
+// length of the small note.
 //
-// Archive record: that of ECNote.
+// Archive record: that of ECNote. Documents below version 3 hold a second
+// duration after it, which a load reads past.
 #pragma once
 
 #include <scoremodel/Export.h>
@@ -19,6 +22,7 @@ public:
     int GetEventId() const override;
     // ECNote.
     int GetParentTypes(CArray<int, int> &types) override;
+    void Serialize(CArchive &ar) override;
 
     ECGraceNote &operator=(const ECGraceNote &other)
     {

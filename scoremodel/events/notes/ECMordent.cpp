@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECMordent.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECMordent, ECWithChild, VERSIONABLE_SCHEMA | 2)
 
 ECMordent::~ECMordent() = default;
@@ -21,4 +23,10 @@ int ECMordent::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_NOTE);
     types.Add(EVENT_ID_CHORD);
     return 1;
+}
+
+void ECMordent::Serialize(CArchive &ar)
+{
+    ECWithChild::Serialize(ar);
+    SerializeSpareByte(ar);
 }

@@ -15,13 +15,19 @@ ECNote::~ECNote() = default;
 ECNote &ECNote::operator=(const ECNote &other)
 {
     if (this != &other)
+    {
         ECWithTimeChild::operator=(other);
+        m_string = other.m_string;
+        m_fret = other.m_fret;
+        m_notationByte = other.m_notationByte;
+    }
     return *this;
 }
 
 int ECNote::operator==(const ECNote &other) const
 {
-    return ECWithTimeChild::operator==(other) && m_duration == other.m_duration;
+    return m_time == other.m_time && m_duration == other.m_duration && m_string == other.m_string &&
+           m_fret == other.m_fret;
 }
 
 CObject *ECNote::Copy(CObject *src)
@@ -51,8 +57,48 @@ void ECNote::SetDuration(MCTime *duration)
         m_duration = *duration;
 }
 
+int ECNote::HasDot()
+{
+    EventList *children = GetChildren();
+    return children && children->FindEvent(EVENT_ID_DOT) != nullptr;
+}
+
+int ECNote::HasTie()
+{
+    return GetParents()->FindEvent(EVENT_ID_TIE) != nullptr;
+}
+
+int ECNote::HasDotOrTie()
+{
+    return HasDot() || HasTie();
+}
+
+int ECNote::IsInChord()
+{
+    return GetParents()->FindEvent(EVENT_ID_CHORD) != nullptr;
+}
+
 void ECNote::Serialize(CArchive &ar)
 {
     ECWithTimeChild::Serialize(ar);
-    m_duration.Serialize(ar, ar.IsStoring() ? -1 : ActiveArchiveVersion());
+    if (ar.IsStoring())
+    {
+        m_prevTrack = GetTrack();
+        m_prevTime = GetTime()->GetSeconds();
+        m_prevDuration = GetDuration()->GetSeconds();
+        m_duration.Serialize(ar, -1);
+        ar << static_cast<DWORD>(m_fret) << static_cast<DWORD>(m_string) << m_notationByte;
+        return;
+    }
+    const int version = ActiveArchiveVersion();
+    m_duration.Serialize(ar, version);
+    if (version >= ArchiveVersionNoteTablature)
+    {
+        DWORD fret = 0, string = 0;
+        ar >> fret >> string;
+        m_fret = static_cast<int>(fret);
+        m_string = static_cast<int>(string);
+    }
+    if (version >= ArchiveVersionNotationByte)
+        ar >> m_notationByte;
 }

@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECOrnament.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECOrnament, ECWithChild, VERSIONABLE_SCHEMA | 2)
 
 ECOrnament::~ECOrnament() = default;
@@ -20,4 +22,10 @@ int ECOrnament::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_NOTE);
     return 1;
+}
+
+void ECOrnament::Serialize(CArchive &ar)
+{
+    ECWithChild::Serialize(ar);
+    SerializeSpareByte(ar);
 }

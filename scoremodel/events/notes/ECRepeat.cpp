@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECRepeat.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECRepeat, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
 
 ECRepeat::~ECRepeat() = default;
@@ -20,4 +22,10 @@ int ECRepeat::GetParentTypes(CArray<int, int> &types)
 {
     types.Add(EVENT_ID_MEASURE);
     return 1;
+}
+
+void ECRepeat::Serialize(CArchive &ar)
+{
+    ECWithTimeChild::Serialize(ar);
+    SerializeSpareByte(ar);
 }

@@ -21,3 +21,11 @@ int ECTie::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_STAFF);
     return 1;
 }
+
+int ECTie::RemoveChild(ECBase *child, int deep)
+{
+    KeepAlive self(this);
+    const int result = ECGroup::RemoveChild(child, deep);
+    RemoveChildrenWhenNoNoteIsLeft();
+    return result;
+}

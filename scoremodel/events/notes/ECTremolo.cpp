@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECTremolo.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECTremolo, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
 
 ECTremolo::~ECTremolo() = default;
@@ -21,4 +23,10 @@ int ECTremolo::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_NOTE);
     types.Add(EVENT_ID_CHORD);
     return 1;
+}
+
+void ECTremolo::Serialize(CArchive &ar)
+{
+    ECWithTimeChild::Serialize(ar);
+    SerializeSpareByte(ar);
 }

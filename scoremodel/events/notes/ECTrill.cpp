@@ -1,5 +1,7 @@
 #include <scoremodel/events/notes/ECTrill.h>
 
+#include <scoremodel/platform/CArchive.h>
+
 IMPLEMENT_SERIAL(ECTrill, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
 
 ECTrill::~ECTrill() = default;
@@ -21,4 +23,10 @@ int ECTrill::GetParentTypes(CArray<int, int> &types)
     types.Add(EVENT_ID_NOTE);
     types.Add(EVENT_ID_CHORD);
     return 1;
+}
+
+void ECTrill::Serialize(CArchive &ar)
+{
+    ECWithTimeChild::Serialize(ar);
+    SerializeSpareByte(ar);
 }
