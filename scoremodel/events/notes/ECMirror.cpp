@@ -3,6 +3,10 @@
 // The one place where an event class reaches up into the actions: the
 // mirror search must find a mirror's source without knowing this class.
 #include <scoremodel/actions/ACFindMirror.h>
+#include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/signatures/ECClef.h>
+#include <scoremodel/events/signatures/ECKey.h>
+#include <scoremodel/events/signatures/ECMeter.h>
 
 IMPLEMENT_SERIAL(ECMirror, ECWithTime, VERSIONABLE_SCHEMA | 2)
 
@@ -58,7 +62,37 @@ int ECMirror::GetParentTypes(CArray<int, int> &types)
     return 1;
 }
 
-void ECMirror::SetMirrorEvent(ECBase *event, int)
+namespace
 {
+// Calls `add` or `remove` on the mirror list of a class that keeps one;
+// other classes are passed over.
+template <class T>
+bool Link(ECBase *event, ECMirror *mirror, bool add)
+{
+    T *owner = dynamic_cast<T *>(event);
+    if (!owner)
+        return false;
+    if (add)
+        owner->AddMirror(mirror);
+    else
+        owner->RemoveMirror(mirror);
+    return true;
+}
+
+void UpdateMirrorList(ECBase *event, ECMirror *mirror, bool add)
+{
+    if (event)
+        (void)(Link<ECClef>(event, mirror, add) || Link<ECKey>(event, mirror, add) ||
+               Link<ECMeter>(event, mirror, add) || Link<ECTempo>(event, mirror, add));
+}
+} // namespace
+
+void ECMirror::SetMirrorEvent(ECBase *event, int update)
+{
+    if (update)
+    {
+        UpdateMirrorList(m_pMirrorEvent, this, false);
+        UpdateMirrorList(event, this, true);
+    }
     m_pMirrorEvent = event;
 }

@@ -1,6 +1,7 @@
 #include <scoremodel/events/notes/ECNote.h>
 
 #include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/pitch/MCHarmonicaConverter.h>
 #include <scoremodel/platform/CArchive.h>
 
 IMPLEMENT_SERIAL(ECNote, ECWithTimeChild, VERSIONABLE_SCHEMA | 2)
@@ -55,6 +56,20 @@ void ECNote::SetDuration(MCTime *duration)
 {
     if (duration)
         m_duration = *duration;
+}
+
+void ECNote::SetHarmonicaCompression(int compression)
+{
+    m_notationByte = MCHarmonicaConverter::CombineToNotationByte(
+        compression, MCHarmonicaConverter::ExtractNoteStyle(m_notationByte),
+        MCHarmonicaConverter::ExtractStaffDegree(m_notationByte));
+}
+
+BYTE ECNote::GetHarmonicaMidiPitch()
+{
+    if (m_notationByte & 0x80)
+        return 0;
+    return MCHarmonicaConverter::GetInstance().GetDescantMidiPitch(m_notationByte);
 }
 
 int ECNote::HasDot()

@@ -56,6 +56,13 @@ public:
     int GetRepeatTie() const { return m_repeatTie; }
     void SetRepeatTie(int repeatTie) { m_repeatTie = repeatTie; }
 
+    // Rebuilds the notation byte with a new bellows direction (non-zero:
+    // compression), keeping its note style and staff degree.
+    void SetHarmonicaCompression(int compression);
+    // 0 when the notation byte's top bit is set; otherwise the descant pitch
+    // the byte stands for on the process's button-accordion converter.
+    BYTE GetHarmonicaMidiPitch();
+
     // ---- The state at the last save ----
 
     int GetPrevTrack() const { return m_prevTrack; }

@@ -1,6 +1,7 @@
 #include <scoremodel/events/signatures/ECClef.h>
 
 #include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/events/notes/MirrorLinks.h>
 #include <scoremodel/events/signatures/StaffSignature.h>
 #include <scoremodel/platform/CArchive.h>
 
@@ -72,17 +73,17 @@ void ECClef::SetTime(MCTime *time)
 
 void ECClef::AddMirror(ECMirror *mirror)
 {
-    AddSignatureMirror(m_mirrors, this, mirror);
+    mirror_links::Add(m_mirrors, mirror, this);
 }
 
 void ECClef::RemoveMirror(ECMirror *mirror)
 {
-    RemoveSignatureMirror(m_mirrors, mirror);
+    mirror_links::Remove(m_mirrors, mirror);
 }
 
 void ECClef::RemoveMirrors()
 {
-    RemoveSignatureMirrors(m_mirrors);
+    mirror_links::RemoveAll(m_mirrors);
 }
 
 void ECClef::Serialize(CArchive &ar)

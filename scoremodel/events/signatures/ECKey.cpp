@@ -1,6 +1,7 @@
 #include <scoremodel/events/signatures/ECKey.h>
 
 #include <scoremodel/events/base/ArchiveVersion.h>
+#include <scoremodel/events/notes/MirrorLinks.h>
 #include <scoremodel/events/signatures/StaffSignature.h>
 #include <scoremodel/pitch/MCPitchUtils.h>
 #include <scoremodel/platform/CArchive.h>
@@ -97,17 +98,17 @@ void ECKey::Transpose(unsigned char semitones)
 
 void ECKey::AddMirror(ECMirror *mirror)
 {
-    AddSignatureMirror(m_mirrors, this, mirror);
+    mirror_links::Add(m_mirrors, mirror, this);
 }
 
 void ECKey::RemoveMirror(ECMirror *mirror)
 {
-    RemoveSignatureMirror(m_mirrors, mirror);
+    mirror_links::Remove(m_mirrors, mirror);
 }
 
 void ECKey::RemoveMirrors()
 {
-    RemoveSignatureMirrors(m_mirrors);
+    mirror_links::RemoveAll(m_mirrors);
 }
 
 void ECKey::Serialize(CArchive &ar)

@@ -1,6 +1,5 @@
 // What the staff-level signatures (ECKey, ECClef) share: the time change
-// that goes through the staff's cache, and the list of mirrors. Internal to
-// the library.
+// that goes through the staff's cache. Internal to the library.
 //
 // The time change. A staff keeps its keys and clefs in a cache sorted by
 // time, so it must never see a changed time while the
@@ -8,23 +7,13 @@
 // ECStaff ancestor (event id 55), takes the new time and is filed again,
 // under the hand it belongs to. An event with no staff above it only takes
 // the time.
-//
-// The mirrors. The owner lists its ECMirror images; each mirror holds a plain
-// pointer back, set and cleared here without asking the owner again.
+
 #pragma once
 
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECBase.h>
 
-class ECMirror;
-
 // Sets `*time` on `event` through `setTime` (the class's base setter), with
 // the staff's cache around it as described above. Nothing for a null time.
 void SetStaffCachedTime(ECBase *event, MCTime *time, int hand, void (*setTime)(ECBase *, MCTime *));
 
-// Appends `mirror` and points it at `owner`; nothing for null.
-void AddSignatureMirror(ECBase::EventList &mirrors, ECBase *owner, ECMirror *mirror);
-// Unlinks `mirror` and takes it out; nothing for null or one not listed.
-void RemoveSignatureMirror(ECBase::EventList &mirrors, ECMirror *mirror);
-// Unlinks every mirror and empties the list.
-void RemoveSignatureMirrors(ECBase::EventList &mirrors);

@@ -123,8 +123,14 @@ int ECStaff::GetJianpuOffsetYForGrandStaff() const
 
 // ---- Clefs and keys ----
 
-BYTE ECStaff::GetCacheHand(ECBase *)
+BYTE ECStaff::GetCacheHand(ECBase *event)
 {
+    if (!event)
+        return 0;
+    if (event->GetEventId() == EVENT_ID_CLEF)
+        return static_cast<ECClef *>(event)->GetHand();
+    if (event->GetEventId() == EVENT_ID_KEY)
+        return static_cast<ECKey *>(event)->GetHand();
     return 0;
 }
 

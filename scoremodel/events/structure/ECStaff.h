@@ -115,9 +115,8 @@ public:
     // Uncaches the event if it is cached, then caches it: for whoever has
     // already moved it.
     virtual int RecacheEvent(ECBase *event, BYTE hand);
-    // The hand a clef or key is cached under. Keys and clefs carry no hand
-    // field yet, so every one is cached as hand 0; this is the one place to
-    // read the hand once they do.
+    // The hand a clef or key is cached under: its own GetHand; 0 for any
+    // other event.
     static BYTE GetCacheHand(ECBase *event);
     // Empties the cache and caches the clefs and keys beneath the staff, in
     // tree order.

@@ -8,6 +8,7 @@
 #include <scoremodel/events/notes/ECNote.h>
 #include <scoremodel/events/notes/ECRest.h>
 #include <scoremodel/events/notes/ECTie.h>
+#include <scoremodel/pitch/MCHarmonicaConverter.h>
 
 #include <gtest/gtest.h>
 
@@ -258,5 +259,19 @@ TEST(ECNoteTest, DotTieAndChordAreFoundAmongTheRelatives)
     EXPECT_TRUE(rest->HasDot());
     rest->RemoveChildren(1);
     rest->Unref(1);
+    note->Unref(1);
+}
+
+TEST(ECNoteTest, HarmonicaBytesKeepTheirButtonWhenTheBellowsTurn)
+{
+    ECNote *note = Held<ECNote>();
+    note->SetNotationByte(0x43); // compression, style 0, degree 3
+    EXPECT_EQ(note->GetHarmonicaMidiPitch(), MCHarmonicaConverter::GetInstance().GetDescantMidiPitch(0x43));
+    note->SetHarmonicaCompression(0);
+    EXPECT_EQ(note->GetNotationByte(), 0x03) << "the same button on release";
+    note->SetHarmonicaCompression(1);
+    EXPECT_EQ(note->GetNotationByte(), 0x43);
+    note->SetNotationByte(0xC3);
+    EXPECT_EQ(note->GetHarmonicaMidiPitch(), 0) << "a byte with its top bit set names no descant button";
     note->Unref(1);
 }
