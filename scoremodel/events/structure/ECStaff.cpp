@@ -44,6 +44,7 @@ ECStaff &ECStaff::operator=(const ECStaff &other)
         ECTrack::operator=(other);
         SetStaffType(other.GetStaffType());
         m_staffSize = other.m_staffSize;
+        m_tablature = other.m_tablature;
         m_nStaffLines = other.m_nStaffLines;
         m_nJianpuOffsetY = other.m_nJianpuOffsetY;
     }
@@ -53,7 +54,12 @@ ECStaff &ECStaff::operator=(const ECStaff &other)
 int ECStaff::operator==(const ECStaff &other) const
 {
     return GetStaffType() == other.GetStaffType() && m_staffSize == other.m_staffSize &&
-           m_nStaffLines == other.m_nStaffLines;
+           m_tablature == other.m_tablature && m_nStaffLines == other.m_nStaffLines;
+}
+
+int ECStaff::GetStaffLines() const
+{
+    return GetStaffType() == StaffTypeTablature ? m_tablature.GetStringsCount() : m_nStaffLines;
 }
 
 CObject *ECStaff::Copy(CObject *src)
@@ -86,6 +92,7 @@ void ECStaff::Serialize(CArchive &ar)
         ar << m_percussionPitch;
         ar << static_cast<LONG>(m_nStaffLines);
         ar << m_staffSize;
+        m_tablature.Serialize(ar);
         return;
     }
     BYTE spare = 0;
@@ -100,7 +107,10 @@ void ECStaff::Serialize(CArchive &ar)
     }
     RebuildCache();
     if (layout)
+    {
         ar >> m_staffSize;
+        m_tablature.Serialize(ar);
+    }
 }
 
 void ECStaff::PostSerialize(CArchive &ar)

@@ -21,16 +21,17 @@
 //
 // Archive record: that of ECTrack, then the spare byte raw, the percussion
 // map (2 bytes), the percussion MIDI pitch (1 byte), the staff lines (4
-// bytes) and the staff size (BYTE). Loading reads the percussion fields, the
-// lines and the size only from document version 5 on, and rebuilds the cache
-// from the clefs and keys beneath the staff. The tablature instrument joins
-// the record (after the size) with the instrument classes; until then a
-// tablature staff counts its lines from the stored value.
+// bytes), the staff size (BYTE) and the tablature instrument (its own
+// record). Loading reads the percussion fields, the lines, the size and the
+// instrument only from document version 5 on, and rebuilds the cache from
+// the clefs and keys beneath the staff. A tablature staff (type 4) counts its
+// lines from its tablature instrument's strings.
 #pragma once
 
 #include <scoremodel/Export.h>
 
 #include <scoremodel/events/structure/ECTrack.h>
+#include <scoremodel/instruments/MCInstrument.h>
 
 class ECClef;
 class ECKey;
@@ -65,8 +66,13 @@ public:
 
     // ---- Staff properties ----
 
-    // The staff's own lines; see the class comment for tablature.
-    int GetStaffLines() const { return m_nStaffLines; }
+    // The tablature instrument's string count on a tablature staff (type
+    // 4), the staff's own lines on any other.
+    int GetStaffLines() const;
+    MCInstrument &GetTablatureInstrument() { return m_tablature; }
+    const MCInstrument &GetTablatureInstrument() const { return m_tablature; }
+    // Takes a copy of `instrument`.
+    void SetTablatureInstrument(const MCInstrument &instrument) { m_tablature = instrument; }
     BYTE GetStaffType() const { return static_cast<BYTE>(GetSpareByte() & 0x7F); }
     // Stores 7 bits and keeps the empty flag.
     void SetStaffType(BYTE type) { SetSpareByte(static_cast<BYTE>((GetSpareByte() & 0x80) | (type & 0x7F))); }
@@ -141,10 +147,11 @@ public:
     int RemoveChildren(int deep) override;
 
     // Assigns the ECTrack part, then the staff type (not the empty flag),
-    // the staff size, the staff lines and the jianpu offset. The percussion
-    // fields and the jianpu mode are not copied.
+    // the staff size, the tablature instrument, the staff lines and the
+    // jianpu offset. The percussion fields and the jianpu mode are not
+    // copied.
     ECStaff &operator=(const ECStaff &other);
-    // Staff type, staff size and staff lines.
+    // Staff type, staff size, tablature instrument and staff lines.
     int operator==(const ECStaff &other) const;
     int operator!=(const ECStaff &other) const { return !(*this == other); }
 
@@ -156,6 +163,7 @@ protected:
     WORD m_percussionMap = 0x0D0;
     BYTE m_percussionPitch = 0x23;
     int m_nStaffLines = 5;
+    MCInstrument m_tablature;
     int m_nJianpuOffsetY = 1000;
     int m_nJianpuMode = 0;
     MCStaffCache *m_cache = nullptr;

@@ -77,10 +77,13 @@ TEST(ECStaffArchiveTest, SmallSizesOfOldDocumentsBecomeTodaysSizes)
 
 TEST(ECStaffArchiveTest, ADocumentBeforeVersionFiveHasNoLayoutFields)
 {
-    // The layout fields are the last 8 bytes of a staff stored alone: the
-    // percussion map, its pitch, the line count and the size.
+    // The layout fields close a staff stored alone: the percussion map, its
+    // pitch, the line count and the size (8 bytes), then the tablature
+    // instrument's record.
+    MCInstrument instrument;
+    const Bytes instrumentRecord = Store([&](CArchive &ar) { instrument.Serialize(ar); });
     Bytes bytes = StoreStaff(0x28);
-    bytes.resize(bytes.size() - 8);
+    bytes.resize(bytes.size() - 8 - instrumentRecord.size());
     ULONGLONG used = 0;
     ECStaff *staff = LoadStaff(bytes, 4, &used);
     EXPECT_EQ(used, bytes.size());
@@ -90,5 +93,36 @@ TEST(ECStaffArchiveTest, ADocumentBeforeVersionFiveHasNoLayoutFields)
     EXPECT_EQ(staff->GetPercussionStaffMap(), 0x0D0);
     EXPECT_EQ(staff->GetPercussionStaffMidiPitch(), 0x23);
     staff->Unref(1);
+}
+
+TEST(ECStaffArchiveTest, ATablatureStaffCountsTheStringsOfItsInstrument)
+{
+    auto *staff = static_cast<ECStaff *>(CreateEventW(EVENT_ID_STAFF));
+    staff->Ref();
+    CArray<int, int> tunes;
+    for (int tune : {64, 59, 55, 50, 45, 40, 35})
+        tunes.Add(tune);
+    staff->SetTablatureInstrument(MCInstrument(L"7-String Guitar", L"low B", 7, 24, 4, tunes));
+    staff->SetStaffLines(5);
+    EXPECT_EQ(staff->GetStaffLines(), 5) << "not a tablature staff yet";
+    staff->SetStaffType(ECStaff::StaffTypeTablature);
+    EXPECT_EQ(staff->GetStaffLines(), 7);
+
+    auto *copy = static_cast<ECStaff *>(CreateEventW(EVENT_ID_STAFF));
+    copy->Ref();
+    EXPECT_FALSE(*copy == *staff);
+    copy->Copy(staff);
+    EXPECT_TRUE(*copy == *staff);
+    copy->GetTablatureInstrument().SetName(L"Bass");
+    EXPECT_FALSE(*copy == *staff) << "the instrument counts";
+
+    const Bytes bytes = Store([&](CArchive &ar) { ar.WriteObject(staff); });
+    ULONGLONG used = 0;
+    ECStaff *loaded = LoadStaff(bytes, ArchiveVersionCurrent, &used);
+    EXPECT_EQ(used, bytes.size());
+    EXPECT_TRUE(loaded->GetTablatureInstrument() == staff->GetTablatureInstrument());
+    EXPECT_EQ(loaded->GetStaffLines(), 7);
+    for (ECStaff *s : {staff, copy, loaded})
+        s->Unref(1);
 }
 } // namespace
