@@ -12,6 +12,7 @@
 // input is read whole first and then checked the same way.
 // Errors go to stderr; the exit code is 0 on success, 1 when the work failed
 // (a failed write of the output included) and 2 for a wrong command line.
+#include <scoremodel/commands/CCAdd.h>
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandMgr.h>
@@ -26,6 +27,10 @@
 #include <scoremodel/events/signatures/ECClef.h>
 #include <scoremodel/events/signatures/ECKey.h>
 #include <scoremodel/events/notes/ECAccent.h>
+#include <scoremodel/events/notes/ECBeam.h>
+#include <scoremodel/events/notes/ECChord.h>
+#include <scoremodel/events/notes/ECSlur.h>
+#include <scoremodel/events/notes/ECTie.h>
 #include <scoremodel/events/notes/ECGroup.h>
 #include <scoremodel/events/notes/ECNote.h>
 #include <scoremodel/events/notes/ECRest.h>
@@ -402,6 +407,116 @@ bool Edit(ECPerformance *doc, const wchar_t *name, CCBase *command)
     return applied != 0;
 }
 
+// A short piece on two staves, built through commands one step each: in the
+// 4/4 bars a melody with a slurred beamed pair, a chord, a note tied over
+// the bar line, a triplet and rests above a bass line; in the 3/4 bars that
+// follow, a melody over rests. Returns the number of steps that failed.
+int AddPiece(ECPerformance *doc, ECConductor *conductor, int upperTrack, int lowerTrack)
+{
+    int failed = 0;
+    FCMidi none = FCMidi::MidiNull();
+    auto at = [](float beat) { return MCTime(beat); };
+    auto measureAt = [&](int track, float beat) { return conductor->GetMeasure(track, at(beat), 1, 1); };
+    auto note = [&](int track, float beat, float length, BYTE pitch) {
+        auto *n = new ECNote;
+        MCTime t(beat), d(length);
+        n->SetTime(&t);
+        n->SetDuration(&d);
+        n->SetMidiPitch(pitch);
+        n->SetVoiceTrack(0, track);
+        return n;
+    };
+    auto step = [&](const wchar_t *name, CCAdd *add) { failed += !Edit(doc, name, add); };
+    auto addNote = [&](int track, float beat, float length, BYTE pitch) {
+        ECNote *n = note(track, beat, length, pitch);
+        step(L"Add note", new CCAdd(n, measureAt(track, beat), none));
+        return n;
+    };
+    auto group = [&](const wchar_t *name, ECBase *groupEvent, ECBase *parent, std::initializer_list<ECBase *> members) {
+        groupEvent->SetVoiceTrack(0, upperTrack);
+        auto *add = new CCAdd(groupEvent, parent, none);
+        for (ECBase *member : members)
+            add->Add(member, groupEvent, none);
+        step(name, add);
+    };
+    ECStaff *upper = conductor->GetConductorStaff()->GetStaff(upperTrack, 0);
+
+    // Bar 1 (beats 1 to 5): a quarter, a beamed pair of eighths under a
+    // slur from the first note, a chord, and a note tied into bar 2.
+    ECNote *first = addNote(upperTrack, 1.0f, 1.0f, 72);
+    ECNote *pair[2] = {addNote(upperTrack, 2.0f, 0.5f, 74), addNote(upperTrack, 2.5f, 0.5f, 76)};
+    auto *beam = new ECBeam;
+    MCTime two(2.0f);
+    beam->SetTime(&two);
+    group(L"Beam", beam, measureAt(upperTrack, 2.0f), {pair[0], pair[1]});
+    auto *slur = new ECSlur;
+    MCTime one(1.0f);
+    slur->SetTime(&one);
+    group(L"Slur", slur, upper, {first, pair[0], pair[1]});
+    auto *chord = new ECChord;
+    MCTime three(3.0f);
+    chord->SetTime(&three);
+    chord->SetVoiceTrack(0, upperTrack);
+    {
+        auto *add = new CCAdd(chord, measureAt(upperTrack, 3.0f), none);
+        for (BYTE pitch : {60, 64, 67})
+        {
+            ECNote *n = note(upperTrack, 3.0f, 1.0f, pitch);
+            add->Add(n, measureAt(upperTrack, 3.0f), none);
+            add->Add(n, chord, none);
+        }
+        step(L"Chord", add);
+    }
+    ECNote *tiedFrom = addNote(upperTrack, 4.0f, 1.0f, 79);
+    // Bar 2 (beats 5 to 9): the tied note, a triplet of eighths, two rests.
+    ECNote *tiedTo = addNote(upperTrack, 5.0f, 1.0f, 79);
+    auto *tie = new ECTie;
+    MCTime four(4.0f);
+    tie->SetTime(&four);
+    group(L"Tie", tie, upper, {tiedFrom, tiedTo});
+    auto *tuplet = new ECTuplet(3, 2, 3);
+    MCTime six(6.0f);
+    tuplet->SetTime(&six);
+    tuplet->SetVoiceTrack(0, upperTrack);
+    {
+        auto *add = new CCAdd(tuplet, measureAt(upperTrack, 6.0f), none);
+        for (int i = 0; i < 3; ++i)
+        {
+            ECNote *n = note(upperTrack, 6.0f + i / 3.0f, 0.5f, static_cast<BYTE>(77 - 2 * i));
+            add->Add(n, measureAt(upperTrack, 6.0f), none);
+            add->Add(n, tuplet, none);
+        }
+        step(L"Triplet", add);
+    }
+    for (float beat : {7.0f, 8.0f})
+    {
+        auto *rest = new ECRest;
+        MCTime t(beat);
+        rest->SetTime(&t);
+        rest->SetRestType(8);
+        rest->SetVoiceTrack(0, upperTrack);
+        step(L"Add rest", new CCAdd(rest, measureAt(upperTrack, beat), none));
+    }
+    // The bass: half notes through both 4/4 bars.
+    for (float beat : {1.0f, 3.0f, 5.0f, 7.0f})
+        addNote(lowerTrack, beat, 2.0f, static_cast<BYTE>(beat < 5.0f ? 48 : 43));
+    // The 3/4 bars (beats 9 to 15): a melody above, rests below.
+    for (float beat = 9.0f; beat < 15.0f; beat += 1.0f)
+    {
+        addNote(upperTrack, beat, 1.0f, static_cast<BYTE>(72 - static_cast<int>(beat - 9.0f)));
+        if (static_cast<int>(beat - 9.0f) % 3 == 0)
+        {
+            auto *rest = new ECRest;
+            MCTime t(beat);
+            rest->SetTime(&t);
+            rest->SetRestType(6); // a dotted half: the whole 3/4 bar
+            rest->SetVoiceTrack(0, lowerTrack);
+            step(L"Add rest", new CCAdd(rest, measureAt(lowerTrack, beat), none));
+        }
+    }
+    return failed;
+}
+
 int Demo(const char *path)
 {
     std::string file;
@@ -492,7 +607,7 @@ int Demo(const char *path)
         {
             float at;
             int n, d, role;
-        } signatures[] = {{0, 1, 4, 2}, {1, 4, 4, 1}, {9, 6, 8, 0}, {15, 0, 0, 0}};
+        } signatures[] = {{0, 1, 4, 2}, {1, 4, 4, 1}, {9, 3, 4, 0}, {15, 0, 0, 0}};
         for (const auto &s : signatures)
         {
             auto *meter = new ECMeter(static_cast<unsigned char>(s.n), static_cast<unsigned char>(s.d), 255);
@@ -527,20 +642,18 @@ int Demo(const char *path)
 
     // A measure of the first staff with a clef, a key and a chord symbol
     // read from what a user types, so the saved document carries them.
-    auto *measure = new ECMeasure;
+    ECMeasure *measure = conductor->GetMeasure(1, MCTime::TimeZero(), 1, 1);
     auto *clef = new ECClef(2);
     auto *key = new ECKey(0, 3, 0);
     auto *chord = new ECChordSymbol();
     CString chordName(L"Eb-7/Bb");
     chord->UpdateFromString(chordName);
     MCTime bar(0.0f);
-    measure->SetTime(&bar);
     for (ECBase *e : {static_cast<ECBase *>(clef), static_cast<ECBase *>(key), static_cast<ECBase *>(chord)})
     {
         e->SetTime(&bar);
         measure->AddChild(e, 1);
     }
-    staves[0]->AddChild(measure, 1);
 
     // A tablature instrument carried as an attachment of the first staff (the
     // staff deletes it with itself): a seven-string guitar.
@@ -552,6 +665,13 @@ int Demo(const char *path)
         guitar->SetTunes(tunes);
         guitar->SetOwner(staves[0]);
         staves[0]->GetData()->SetAtGrow(MCDataArray::TypeToIndex(kTablatureViewCode), guitar);
+    }
+
+    // The piece on the first and third staves, once the meters stand.
+    if (const int failed = AddPiece(doc.Get(), conductor, 1, 3))
+    {
+        std::fprintf(stderr, "scoremodel: %d steps of the piece were refused\n", failed);
+        return 1;
     }
 
     MCDocumentFile::Save(doc.Get(), file.c_str());

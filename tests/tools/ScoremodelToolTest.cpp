@@ -72,7 +72,7 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
     ASSERT_EQ(dump.code, 0) << dump.err;
     EXPECT_EQ(dump.out.rfind("ECPerformance id=44", 0), 0u) << dump.out;
     // Staves show their fields, the conductor staff its matrix and groups.
-    EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0 staves=3 measures=0 end=0 "
+    EXPECT_NE(dump.out.find("\n    ECConductorStaff id=17 time=0 voice=14 track=0 staves=3 measures=5 end=15 "
                             "pickup=0/1 groups=0+0\n"),
               std::string::npos);
     EXPECT_NE(dump.out.find("\n    ECStaff id=55 time=0 voice=14 track=3 type=0 empty=1 size=32 lines=5 perc=0x0d0 "
@@ -94,10 +94,19 @@ TEST_F(ScoremodelToolTest, DemoDocumentIsSavedAndReadsBackThroughDumpAndInfo)
               std::string::npos)
         << dump.out;
     // Meters show their shape, role, stresses and start position.
-    EXPECT_NE(dump.out.find("ECMeter id=33 time=9 voice=14 track=0 meter=6/8 type=3 role=0 pulse=128 "
-                            "stresses=384/3,384/3 at=3.0.0/480\n"),
+    EXPECT_NE(dump.out.find("ECMeter id=33 time=9 voice=14 track=0 meter=3/4 type=2 role=0 pulse=256 "
+                            "stresses=768/3 at=3.0.0/480\n"),
               std::string::npos)
         << dump.out;
+    // The piece: a beam, a chord, a slur and a tie over the bar line, a
+    // triplet, rests, on the staves' own tracks.
+    for (const char *line : {"ECBeam id=7 time=2 voice=0 track=1 group=0x00\n", "ECChord id=12 time=3 voice=0 track=1\n",
+                             "ECSlur id=54 time=1 voice=0 track=1 group=0x00\n",
+                             "ECTie id=60 time=4 voice=0 track=1 group=0x00\n",
+                             "ECTuplet id=66 time=6 voice=0 track=1 tuplet=3:2 units=3\n",
+                             "ECNote id=37 time=6.33333 voice=0 track=1 duration=0.5 string=-1 fret=-1 notation=0x00\n",
+                             "ECRest id=51 time=12 voice=0 track=3 rest=0\n"})
+        EXPECT_NE(dump.out.find(line), std::string::npos) << line << dump.out;
     EXPECT_NE(dump.out.find("meter=7/8 type=6 role=0 pulse=128 stresses=384/3,512/2 parts=3/8+2/4 at=5.0.0/480\n"),
               std::string::npos)
         << dump.out;
