@@ -1,7 +1,12 @@
 #include <scoremodel/commands/CCBase.h>
 
 #include <scoremodel/commands/MCCommandMgr.h>
+#include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/notes/ECMirror.h>
+#include <scoremodel/events/signatures/ECClef.h>
+#include <scoremodel/events/signatures/ECKey.h>
+#include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/events/structure/ECPerformance.h>
 
 #include <algorithm>
@@ -87,18 +92,21 @@ void ReleaseChildren(ECBase *event)
 }
 
 // The mirror list of an event that holds mirrors, or null. Clefs, keys,
-// meters, tempi and the texts of type 21 and 22 hold them; those classes
-// join the library with the signatures and texts, and until then no event
-// holds a mirror list.
+// meters, tempi and the texts of type 21 and 22 hold them.
 CCBase::EventList *MirrorsOf(ECBase *event)
 {
     switch (event->GetEventId())
     {
     case EVENT_ID_CLEF:
+        return static_cast<ECClef *>(event)->GetMirrors();
     case EVENT_ID_KEY:
+        return static_cast<ECKey *>(event)->GetMirrors();
     case EVENT_ID_METER:
+        return &static_cast<ECMeter *>(event)->GetMirrors();
     case EVENT_ID_TEMPO:
+        return static_cast<ECTempo *>(event)->GetMirrors();
     case EVENT_ID_TEXT:
+        return static_cast<ECText *>(event)->IsMirrorText() ? static_cast<ECText *>(event)->GetMirrors() : nullptr;
     default:
         return nullptr;
     }

@@ -3,6 +3,7 @@
 #include "CommandTestSupport.h"
 
 #include <scoremodel/events/base/ECWithTimeChild.h>
+#include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/notes/ECMirror.h>
 
 namespace
@@ -83,6 +84,35 @@ TEST(CCBaseDiscard, ListStopsAtTheFirstEventAlreadyListedAndProcessingDetachesTh
     }
     EXPECT_NE(t.doc->GetChildren()->Find(t.c), nullptr) << "an event off the list was taken out";
     cmd->Unref(1);
+}
+
+TEST(CCBaseDiscard, TheMirrorsOfASignatureOrMirrorTextGoWithIt)
+{
+    for (int id : {EVENT_ID_CLEF, EVENT_ID_KEY, EVENT_ID_METER, EVENT_ID_TEMPO, EVENT_ID_TEXT})
+    {
+        SCOPED_TRACE(id);
+        ECBase *source = CreateEventW(id);
+        source->Ref();
+        if (id == EVENT_ID_TEXT)
+            static_cast<ECText *>(source)->SetTextType(ECText::kMirrorTextFirst);
+        ECBase *holder = CreateEventW(EVENT_ID_MEASURE);
+        holder->Ref();
+        ECMirror *mirrors[2] = {new ECMirror, new ECMirror};
+        for (ECMirror *m : mirrors)
+        {
+            holder->AddChild(m, 0);
+            m->SetMirrorEvent(source, 1);
+        }
+        auto *cmd = new TestCommand(nullptr, "x");
+        cmd->Ref();
+        cmd->DiscardMirrors(source);
+        EXPECT_EQ(Listed(cmd->GetDiscardList()), (std::vector<ECBase *>{mirrors[0], mirrors[1]}));
+        cmd->ProcessDiscardList();
+        EXPECT_TRUE(holder->GetChildren()->IsEmpty()) << "the mirrors left the tree";
+        cmd->Unref(1);
+        holder->Unref(1);
+        source->Unref(1);
+    }
 }
 
 TEST(CCBaseDiscard, ChildrenOfADiscardedEventAreFreedUnlessHeldAndAHeldOneKeepsItsSubtree)

@@ -1,5 +1,7 @@
 #include <scoremodel/events/media/ECText.h>
 
+#include <scoremodel/events/notes/MirrorLinks.h>
+
 #include <scoremodel/platform/CArchive.h>
 
 IMPLEMENT_SERIAL(ECText, ECWithTime, VERSIONABLE_SCHEMA | 3)
@@ -10,7 +12,25 @@ namespace
 constexpr UINT kSchemaTextFields = 3;
 } // namespace
 
-ECText::~ECText() = default;
+ECText::~ECText()
+{
+    RemoveMirrors();
+}
+
+void ECText::AddMirror(ECMirror *mirror)
+{
+    mirror_links::Add(m_mirrors, mirror, this);
+}
+
+void ECText::RemoveMirror(ECMirror *mirror)
+{
+    mirror_links::Remove(m_mirrors, mirror);
+}
+
+void ECText::RemoveMirrors()
+{
+    mirror_links::RemoveAll(m_mirrors);
+}
 
 ECText &ECText::operator=(const ECText &other)
 {

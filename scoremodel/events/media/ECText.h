@@ -4,8 +4,11 @@
 // A text holds its characters and a text type, a number the views give
 // meaning to (a title, an expression, a rehearsal mark). Types 21 and 22 are
 // mirror texts: they repeat, at another place, the text of the event they
-// stand for, and IsMirrorText tells them apart. A new text is empty, of
-// type 0. operator= copies the text and the type.
+// stand for, and IsMirrorText tells them apart. Like a clef, key, meter or
+// tempo, a text keeps the list of its ECMirror images (not owned; each
+// points back), which a command that removes the text discards when the
+// text is of a mirror type. A new text is empty, of type 0. operator= copies
+// the text and the type, never the mirrors.
 //
 // Archive record (schema 3): that of ECWithTime, then the text (CString)
 // and the type (4 bytes). Records of schema 2 end after the ECWithTime part;
@@ -16,6 +19,8 @@
 
 #include <scoremodel/events/base/ECWithTime.h>
 #include <scoremodel/platform/CString.h>
+
+class ECMirror;
 
 class SCOREMODEL_API ECText : public ECWithTime
 {
@@ -41,6 +46,15 @@ public:
     // 1 for the types 21 and 22.
     int IsMirrorText() const;
 
+    // ---- Mirrors ----
+
+    // Appends `mirror` and points it at this text; null is ignored.
+    void AddMirror(ECMirror *mirror);
+    // Unlinks and drops `mirror` when listed.
+    void RemoveMirror(ECMirror *mirror);
+    void RemoveMirrors();
+    EventList *GetMirrors() { return &m_mirrors; }
+
     ECText &operator=(const ECText &other);
     int operator==(const ECText &other) const;
     int operator!=(const ECText &other) const { return !(*this == other); }
@@ -50,4 +64,5 @@ protected:
 
     CString m_text;
     int m_nTextType = 0;
+    EventList m_mirrors;
 };

@@ -4,6 +4,7 @@
 // mirror search must find a mirror's source without knowing this class.
 #include <scoremodel/actions/ACFindMirror.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/signatures/ECClef.h>
 #include <scoremodel/events/signatures/ECKey.h>
 #include <scoremodel/events/signatures/ECMeter.h>
@@ -83,7 +84,8 @@ void UpdateMirrorList(ECBase *event, ECMirror *mirror, bool add)
 {
     if (event)
         (void)(Link<ECClef>(event, mirror, add) || Link<ECKey>(event, mirror, add) ||
-               Link<ECMeter>(event, mirror, add) || Link<ECTempo>(event, mirror, add));
+               Link<ECMeter>(event, mirror, add) || Link<ECTempo>(event, mirror, add) ||
+               Link<ECText>(event, mirror, add));
 }
 } // namespace
 

@@ -38,8 +38,8 @@ public:
     ECBase *GetMirrorEvent() const { return m_pMirrorEvent; }
     // Stores `event` (null unlinks). A non-zero `update` also asks the old
     // and the new mirrored event to drop and to add this mirror in their
-    // lists of mirrors (clefs, keys, meters and tempi keep one; texts do
-    // not yet); an event of any other class is passed over.
+    // lists of mirrors (clefs, keys, meters, tempi and texts keep one); an
+    // event of any other class is passed over.
     void SetMirrorEvent(ECBase *event, int update);
 
     // The time part only.

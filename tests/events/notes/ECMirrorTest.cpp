@@ -5,6 +5,7 @@
 #include <scoremodel/events/base/EventRegistry.h>
 #include <scoremodel/events/base/MCEventList.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/notes/ECMirror.h>
 #include <scoremodel/events/signatures/ECClef.h>
 #include <scoremodel/events/signatures/ECKey.h>
@@ -39,7 +40,7 @@ TEST(ECMirrorTest, ReplaceMirrorsPutsEachSourceInItsMirrorsPlace)
 
 TEST(ECMirrorTest, LinkingUpdatesTheMirroredEventsList)
 {
-    for (int id : {EVENT_ID_CLEF, EVENT_ID_KEY, EVENT_ID_METER, EVENT_ID_TEMPO})
+    for (int id : {EVENT_ID_CLEF, EVENT_ID_KEY, EVENT_ID_METER, EVENT_ID_TEMPO, EVENT_ID_TEXT})
     {
         SCOPED_TRACE(id);
         ECBase *first = CreateEventW(id);
@@ -59,6 +60,8 @@ TEST(ECMirrorTest, LinkingUpdatesTheMirroredEventsList)
                 n = meter->GetMirrors().GetCount();
             else if (auto *tempo = dynamic_cast<ECTempo *>(e))
                 n = tempo->GetMirrors()->GetCount();
+            else if (auto *text = dynamic_cast<ECText *>(e))
+                n = text->GetMirrors()->GetCount();
             return n;
         };
         mirror->SetMirrorEvent(first, 1);
