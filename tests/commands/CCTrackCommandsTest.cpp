@@ -2,7 +2,10 @@
 // tracks and the chord staff, and the tracks they refuse.
 #include "events/structure/TrackTestSupport.h"
 
+#include <scoremodel/commands/CCGroupStaves.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
+#include <scoremodel/events/structure/ECConductorStaff.h>
+#include <scoremodel/events/structure/MCGroup.h>
 
 namespace
 {
@@ -109,4 +112,70 @@ TEST_F(TrackCommands, TracksThatCannotBePlacedOrAreNotPlacedAreRefusedAndNotLeak
     stranger->Unref(1);
     EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{a}));
     EXPECT_EQ(m_doc->GetUndoCount(), 0);
+}
+
+namespace
+{
+// The groups of a score as (first, last, kind, id) rows, primary then
+// secondary.
+std::vector<std::vector<int>> Groups(ECConductor *conductor)
+{
+    std::vector<std::vector<int>> rows;
+    MCGroup &groups = conductor->GetConductorStaff()->GetGroup();
+    for (MCGroup::GroupTable *table : {&groups.GetPrimaryGroup(), &groups.GetSecondaryGroup()})
+        for (INT_PTR i = 0; i < table->GetSize(); ++i)
+        {
+            const MCGroup::tag_group &g = table->GetAt(i);
+            rows.push_back({g.first, g.last, g.Kind(), g.Id(), g.InUse()});
+        }
+    return rows;
+}
+
+// Applies `command` in an undo step of its own; whether it got through.
+bool Step(ECPerformance *doc, CCBase *command)
+{
+    command->Ref();
+    command->SetSynchronous(1);
+    CString name(L"group");
+    MCCommandMgr::BeginUndo(doc, name);
+    command->Apply(doc);
+    MCCommandMgr::EndUndo(doc);
+    const bool done = command->GetCommandPhase() == CCBase::PhaseFinish;
+    command->Unref(1);
+    return done;
+}
+} // namespace
+
+TEST_F(TrackCommands, GroupingStavesAndTakingAGroupAwayUndoToTheTablesBefore)
+{
+    for (int i = 0; i < 4; ++i)
+        AddStaff();
+    const auto plain = Groups(m_conductor);
+    auto *brace = new CCGroupStaves(1, 2, 0);
+    brace->Ref();
+    ASSERT_TRUE(Step(m_doc, brace));
+    const int id = brace->GetGroupId();
+    const auto grouped = Groups(m_conductor);
+    EXPECT_NE(grouped, plain);
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Groups(m_conductor), plain);
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(Groups(m_conductor), grouped) << "a redo makes the same group, with the same id";
+    EXPECT_EQ(brace->GetGroupId(), id);
+    brace->Unref(1);
+
+    // A group across that one rearranges the tables; undo puts them back.
+    ASSERT_TRUE(Step(m_doc, new CCGroupStaves(2, 4, 0)));
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Groups(m_conductor), grouped);
+
+    ASSERT_TRUE(Step(m_doc, CCGroupStaves::Ungroup(id)));
+    EXPECT_EQ(Groups(m_conductor), plain);
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Groups(m_conductor), grouped);
+
+    EXPECT_FALSE(Step(m_doc, CCGroupStaves::Ungroup(200))) << "no such group";
+    EXPECT_FALSE(Step(m_doc, new CCGroupStaves(3, 1, 0))) << "last before first";
+    EXPECT_FALSE(Step(m_doc, new CCGroupStaves)) << "nothing asked";
+    EXPECT_EQ(Groups(m_conductor), grouped);
 }
