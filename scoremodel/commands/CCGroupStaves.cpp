@@ -8,7 +8,7 @@ IMPLEMENT_DYNCREATE(CCGroupStaves, CCBase)
 CCGroupStaves::CCGroupStaves() = default;
 
 CCGroupStaves::CCGroupStaves(int first, int last, int kind)
-    : m_action(Group), m_first(first), m_last(last), m_kind(kind)
+    : m_action(MakeGroup), m_first(first), m_last(last), m_kind(kind)
 {
 }
 
@@ -17,7 +17,7 @@ CCGroupStaves::~CCGroupStaves() = default;
 CCGroupStaves *CCGroupStaves::Ungroup(int id)
 {
     auto *command = new CCGroupStaves;
-    command->m_action = Remove;
+    command->m_action = TakeGroupAway;
     command->m_id = id;
     return command;
 }
@@ -29,7 +29,7 @@ int CCGroupStaves::GetCommandId()
 
 int CCGroupStaves::Prepare()
 {
-    return CCBase::Prepare() && m_action != None && GetConductor()->GetConductorStaff() ? 1 : 0;
+    return CCBase::Prepare() && m_action != NoRequest && GetConductor()->GetConductorStaff() ? 1 : 0;
 }
 
 int CCGroupStaves::Process()
@@ -37,7 +37,7 @@ int CCGroupStaves::Process()
     MCGroup &groups = GetConductor()->GetConductorStaff()->GetGroup();
     m_primaryBefore.Copy(groups.GetPrimaryGroup());
     m_secondaryBefore.Copy(groups.GetSecondaryGroup());
-    if (m_action == Group)
+    if (m_action == MakeGroup)
     {
         int id = -1;
         if (!GetConductor()->GetConductorStaff()->GroupStaves(m_first, m_last, m_kind, id))

@@ -45,13 +45,14 @@ protected:
     ~CCGroupStaves() override;
 
 private:
-    enum Action
+    // Names a host's X11 macros (None) cannot reach.
+    enum Request
     {
-        None,
-        Group,
-        Remove
+        NoRequest,
+        MakeGroup,
+        TakeGroupAway
     };
-    Action m_action = None;
+    Request m_action = NoRequest;
     int m_first = 0;
     int m_last = 0;
     int m_kind = 0;
