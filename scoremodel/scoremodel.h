@@ -148,6 +148,7 @@
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/CCAddTuplet.h>
 #include <scoremodel/commands/CCBase.h>
+#include <scoremodel/commands/CCCopyTracks.h>
 #include <scoremodel/commands/CCGroupStaves.h>
 #include <scoremodel/commands/CCRemove.h>
 #include <scoremodel/commands/CCRemoveTrack.h>

@@ -2,10 +2,18 @@
 // tracks and the chord staff, and the tracks they refuse.
 #include "events/structure/TrackTestSupport.h"
 
+#include <scoremodel/commands/CCCopyTracks.h>
 #include <scoremodel/commands/CCGroupStaves.h>
+#include <scoremodel/events/base/EventRegistry.h>
+#include <scoremodel/events/notes/ECChord.h>
+#include <scoremodel/events/notes/ECSlur.h>
+#include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/events/structure/ECConductorStaff.h>
 #include <scoremodel/events/structure/MCGroup.h>
+
+#include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -178,4 +186,86 @@ TEST_F(TrackCommands, GroupingStavesAndTakingAGroupAwayUndoToTheTablesBefore)
     EXPECT_FALSE(Step(m_doc, new CCGroupStaves(3, 1, 0))) << "last before first";
     EXPECT_FALSE(Step(m_doc, new CCGroupStaves)) << "nothing asked";
     EXPECT_EQ(Groups(m_conductor), grouped);
+}
+
+namespace
+{
+std::vector<ECBase *> Elements(ECBase::EventList *list)
+{
+    std::vector<ECBase *> out;
+    for (POSITION pos = list ? list->GetHeadPosition() : nullptr; pos;)
+        out.push_back(list->GetNext(pos));
+    return out;
+}
+
+// Every event below `root`, depth first, each once.
+std::vector<ECBase *> Below(ECBase *root)
+{
+    std::vector<ECBase *> out;
+    std::function<void(ECBase *)> walk = [&](ECBase *e) {
+        if (std::find(out.begin(), out.end(), e) != out.end())
+            return;
+        out.push_back(e);
+        for (ECBase *child : Elements(e->GetChildren()))
+            walk(child);
+    };
+    walk(root);
+    return out;
+}
+} // namespace
+
+TEST_F(TrackCommands, CopiedStavesHoldCopiesOfEverythingAndUndoTakesThemOut)
+{
+    CountedStaff *source = AddStaff();
+    CountedStaff *other = AddStaff();
+    MCTime end(7.0f); // two bars
+    ASSERT_NE(m_conductor->GetConductorStaff()->GetConductorMeasureAtTime(end, 1, 1), nullptr);
+    ECMeasure *bar = m_conductor->GetMeasure(1, MCTime(0.0f), 0, 1);
+    ASSERT_NE(bar, nullptr);
+    auto *chord = static_cast<ECChord *>(CreateEventW(EVENT_ID_CHORD));
+    bar->AddChild(chord, 1);
+    auto *slur = static_cast<ECSlur *>(CreateEventW(EVENT_ID_SLUR));
+    source->AddChild(slur, 1);
+    for (int i = 0; i < 2; ++i)
+    {
+        ECBase *note = CreateEventW(EVENT_ID_NOTE);
+        bar->AddChild(note, 1);
+        chord->AddChild(note, 1);
+        slur->AddChild(note, 1);
+    }
+    const size_t events = Below(source).size();
+
+    CArray<int, int> staves;
+    staves.Add(1);
+    auto *copy = new CCCopyTracks(staves, 2);
+    copy->Ref();
+    copy->SetSynchronous(1);
+    CString name(L"copy");
+    MCCommandMgr::BeginUndo(m_doc, name);
+    copy->Apply(m_doc);
+    MCCommandMgr::EndUndo(m_doc);
+    ASSERT_EQ(copy->GetCopies().size(), 1u);
+    ECTrack *made = copy->GetCopies()[0];
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{source, made, other}));
+    const std::vector<ECBase *> copied = Below(made);
+    EXPECT_EQ(copied.size(), events) << "the same shape";
+    for (ECBase *e : Below(source))
+        EXPECT_EQ(std::find(copied.begin(), copied.end(), e), copied.end()) << "nothing shared";
+    EXPECT_EQ(m_conductor->GetMeasure(2, MCTime(0.0f), 0, 1)->GetParents()->GetHead(), made)
+        << "the copy's measures are the rows of its number";
+
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{source, other}));
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(Tracks(2), (std::vector<ECTrack *>{source, made, other})) << "the same copy comes back";
+    copy->Unref(1);
+
+    CArray<int, int> none;
+    none.Add(9);
+    auto *refused = new CCCopyTracks(none, -1);
+    refused->Ref();
+    refused->SetSynchronous(1);
+    refused->Apply(m_doc);
+    EXPECT_TRUE(refused->GetCopies().empty()) << "no staff 9";
+    refused->Unref(1);
 }

@@ -59,6 +59,7 @@ class SCOREMODEL_API ECConductor : public ECWithChild
     friend class CCAddTrack;
     friend class CCRemoveTrack;
     friend class CCOrderTracks;
+    friend class CCCopyTracks;
 
 public:
     // Track kinds, as GetTrack, GetTrackNumber and GetMaxTrackNumber take them.
