@@ -61,7 +61,7 @@ CCRemoveItem *CCRemove::Remove(ECBase *event)
 {
     m_bRelationCached = 0;
     m_bRelationPending = 0;
-    if (FindRemovePosition(event))
+    if (!m_listed.insert(event).second)
         return nullptr;
     auto *item = new CCRemoveItem;
     item->SetChild(event);

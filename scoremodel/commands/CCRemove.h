@@ -28,6 +28,7 @@
 
 #include <memory>
 #include <set>
+#include <unordered_set>
 
 class SCOREMODEL_API CCRemove : public CCBase
 {
@@ -75,4 +76,7 @@ protected:
     // below it: only those go back under it (a note that only a chord or a
     // tuplet held comes back through that one's links).
     std::set<ECBase *> m_direct;
+    // The listed events, so that refusing a double costs O(1) and a removal
+    // of many events stays linear (FindRemovePosition walks the list).
+    std::unordered_set<ECBase *> m_listed;
 };

@@ -12,6 +12,7 @@
 #include <scoremodel/events/base/ECBase.h>
 
 #include <map>
+#include <unordered_map>
 #include <memory>
 #include <vector>
 
@@ -65,7 +66,8 @@ private:
         std::vector<ECBase *> children;
         std::vector<ECBase *> parents;
     };
-    std::map<ECBase *, Lists> m_lists;
+    // Restoring visits the records in any order: each fixes its own lists.
+    std::unordered_map<ECBase *, Lists> m_lists;
     // Keeps the recorded events alive as long as the record.
     ECBase::EventList m_held;
 };
