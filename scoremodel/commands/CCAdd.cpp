@@ -54,6 +54,7 @@ int CCAdd::Process()
 {
     if (!CCBase::Process())
         return 0;
+    const bool redo = m_bRelationPending != 0;
     _RestoreParentChildRelation();
     for (POSITION pos = m_addList.GetHeadPosition(); pos;)
     {
@@ -63,6 +64,8 @@ int CCAdd::Process()
     }
     if (m_order)
         m_order->Restore();
+    if (redo && m_redoOrder)
+        m_redoOrder->Restore();
     m_bRelationPending = 0;
     return 1;
 }
@@ -110,11 +113,13 @@ void CCAdd::_CashParentChildRelation()
         return;
     m_bRelationCached = 1;
     m_relations.Clear();
+    m_redoOrder = std::make_unique<MCListOrder>();
     for (POSITION pos = m_addList.GetHeadPosition(); pos;)
     {
         ECBase *child = m_addList.GetNext(pos)->GetChild();
         if (!child)
             continue;
+        m_redoOrder->RecordAround(child);
         std::vector<ECBase *> children, parents;
         if (child->GetEventId() == EVENT_ID_SLUR)
         {

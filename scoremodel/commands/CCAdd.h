@@ -20,6 +20,12 @@
 //
 // Undoing an added rest also takes out the rests that a split left behind in
 // its measure (those marked IsAfterSplit); that clean-up is not undone.
+//
+// Undo takes each child out of the tree altogether, not only out of the
+// parent its item names. An add therefore places new events; to hang events
+// that are in the tree already under a new group (a slur over existing
+// notes), build the group with them and add the group alone: its undo then
+// takes the group away and leaves the notes where they were.
 #pragma once
 
 #include <scoremodel/Export.h>
@@ -69,4 +75,8 @@ protected:
     BYTE m_bRelationCached = 0;
     BYTE m_bRelationPending = 0;
     std::shared_ptr<const MCListOrder> m_order;
+    // The lists as the first Process left them, recorded when the add is
+    // undone: a redo puts the restored links and the placed children back
+    // in that order.
+    std::unique_ptr<MCListOrder> m_redoOrder;
 };

@@ -10,22 +10,6 @@
 
 IMPLEMENT_DYNCREATE(CCRemove, CCBase)
 
-namespace
-{
-// The parents and then the children of `event`.
-std::vector<ECBase *> Relatives(ECBase *event)
-{
-    std::vector<ECBase *> out;
-    for (POSITION pos = event->GetParents()->GetHeadPosition(); pos;)
-        if (ECBase *e = event->GetParents()->GetNext(pos))
-            out.push_back(e);
-    if (ECBase::EventList *children = event->GetChildren())
-        for (POSITION pos = children->GetHeadPosition(); pos;)
-            if (ECBase *e = children->GetNext(pos))
-                out.push_back(e);
-    return out;
-}
-} // namespace
 
 CCRemove::CCRemove() = default;
 
@@ -178,22 +162,15 @@ void CCRemove::_CashParentChildRelation()
         ECBase::EventList *held = item->GetParent() ? item->GetParent()->GetChildren() : nullptr;
         if (held && held->Find(child))
             m_direct.insert(child);
-        // Every list the removal can change: the event's, its relatives',
-        // and those of a chord it may dissolve and the chord's relatives.
-        m_order->Record(child);
-        for (ECBase *relative : Relatives(child))
-        {
-            m_order->Record(relative);
-            if (relative->GetEventId() == EVENT_ID_CHORD)
-                for (ECBase *e : Relatives(relative))
-                    m_order->Record(e);
-        }
+        // Every list the removal can change.
+        m_order->RecordAround(child);
         std::vector<ECBase *> children, parents;
         const int id = child->GetEventId();
         // Every group, not only a slur: a group out of the tree lets go of
         // its children (ECGroup::RemoveFromChildren), and undo must bring
-        // back a beam's or a tie's as well.
-        if (child->IsKindOf(RUNTIME_CLASS(ECGroup)) || id == EVENT_ID_TUPLET)
+        // back a beam's or a tie's as well; so does a chord, which hands its
+        // notes to the measure as it leaves.
+        if (child->IsKindOf(RUNTIME_CLASS(ECGroup)) || id == EVENT_ID_TUPLET || id == EVENT_ID_CHORD)
         {
             for (POSITION c = child->GetChildren()->GetHeadPosition(); c;)
                 if (ECBase *e = child->GetChildren()->GetNext(c))

@@ -107,6 +107,26 @@ void MCListOrder::Record(ECBase *event)
     m_lists.emplace(event, std::move(lists));
 }
 
+void MCListOrder::RecordAround(ECBase *event)
+{
+    if (!event)
+        return;
+    Record(event);
+    auto relatives = [](ECBase *e) {
+        std::vector<ECBase *> out = Elements(e->GetParents());
+        for (ECBase *child : Elements(e->GetChildren()))
+            out.push_back(child);
+        return out;
+    };
+    for (ECBase *relative : relatives(event))
+    {
+        Record(relative);
+        if (relative->GetEventId() == EVENT_ID_CHORD)
+            for (ECBase *e : relatives(relative))
+                Record(e);
+    }
+}
+
 void MCListOrder::Restore() const
 {
     // What a removal put where it was not (a tuplet or chord handing its

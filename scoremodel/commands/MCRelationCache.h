@@ -54,6 +54,11 @@ public:
     // Records the child and parent lists of `event` as they stand now; an
     // event recorded already keeps its first record.
     void Record(ECBase *event);
+    // Records `event`, its parents and children, and the parents and
+    // children of a chord among them (a chord may dissolve out of its own
+    // parents): every list that taking `event` out or putting it back can
+    // change.
+    void RecordAround(ECBase *event);
     bool IsEmpty() const { return m_lists.empty(); }
     // Takes out of each recorded list the members it did not hold (with
     // RemoveChild, so both ends of the link go), then reorders it: the
