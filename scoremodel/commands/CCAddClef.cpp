@@ -3,8 +3,6 @@
 #include <scoremodel/commands/CCRemoveClef.h>
 #include <scoremodel/commands/DerivedOwners.h>
 #include <scoremodel/events/base/EventIds.h>
-#include <scoremodel/events/structure/ECConductor.h>
-#include <scoremodel/events/structure/ECMeasure.h>
 
 IMPLEMENT_DYNCREATE(CCAddClef, CCAdd)
 
@@ -34,17 +32,7 @@ int CCAddClef::Prepare()
 {
     if (!CCAdd::Prepare())
         return 0;
-    for (POSITION pos = m_addList.GetHeadPosition(); pos;)
-    {
-        CCAddItem *item = m_addList.GetNext(pos);
-        ECBase *child = item->GetChild();
-        if (item->GetParent() || !child->GetTime())
-            continue;
-        // Only a measure that stands already: making one would run a
-        // command of its own in the middle of this one.
-        if (ECMeasure *measure = GetConductor()->GetMeasure(child->GetTrack(), *child->GetTime(), 0, 0))
-            item->SetParent(measure);
-    }
+    PlaceInMeasures(m_addList, GetConductor());
     return 1;
 }
 

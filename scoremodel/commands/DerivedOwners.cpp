@@ -2,6 +2,8 @@
 
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/envelopes/ECEnvelope.h>
+#include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECMeasure.h>
 #include <scoremodel/events/structure/ECStaff.h>
 
 void MCDerivedOwners::Note(ECBase *parent)
@@ -40,4 +42,17 @@ void RefreshOwnersOf(CCRemove::RemoveList &items)
     for (POSITION pos = items.GetHeadPosition(); pos;)
         owners.Note(items.GetNext(pos)->GetParent());
     owners.Refresh();
+}
+
+void PlaceInMeasures(CCAdd::AddList &items, ECConductor *conductor)
+{
+    for (POSITION pos = items.GetHeadPosition(); conductor && pos;)
+    {
+        CCAddItem *item = items.GetNext(pos);
+        ECBase *child = item->GetChild();
+        if (item->GetParent() || !child || !child->GetTime())
+            continue;
+        if (ECMeasure *measure = conductor->GetMeasure(child->GetTrack(), *child->GetTime(), 0, 0))
+            item->SetParent(measure);
+    }
 }

@@ -37,6 +37,13 @@ private:
     ECBase::EventList m_owners;
 };
 
+class ECConductor;
+
+// Gives each item without a parent the measure of its child's track at its
+// child's time, where one stands. Only a measure that stands already:
+// making one would run a command of its own in the middle of the caller.
+void PlaceInMeasures(CCAdd::AddList &items, ECConductor *conductor);
+
 // Notes the owners of every item's parent and refreshes them.
 void RefreshOwnersOf(CCAdd::AddList &items);
 void RefreshOwnersOf(CCRemove::RemoveList &items);
