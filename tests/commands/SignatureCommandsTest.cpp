@@ -21,6 +21,7 @@
 #include <scoremodel/events/signatures/ECKey.h>
 
 #include <functional>
+#include <random>
 
 namespace
 {
@@ -104,7 +105,7 @@ protected:
     std::function<void(bool)> CacheIsRight(int id)
     {
         return [this, id](bool) {
-            for (float t : {0.0f, 3.0f, 4.0f, 6.0f, 7.5f, 8.0f, 9.0f, 15.0f})
+            for (float t = 0.0f; t < 16.0f; t += 0.5f)
                 EXPECT_EQ(Cached(id, t), InForce(id, t)) << "at " << t;
         };
     }
@@ -155,6 +156,89 @@ TEST_F(SignatureCommands, RemovingAndAddingKeepTheStaffCacheRight)
             measure->RemoveChildren(1);
         m_doc->ClearUndo();
     }
+}
+
+// Random adds and removes of clefs and keys with undo and redo at random
+// points: after every step the tree is the one the history says (undo gives
+// back exactly the tree before, redo the tree after) and both caches answer
+// as the tree does.
+TEST_F(SignatureCommands, RandomEditsUndosAndRedosKeepTreeAndCacheRight)
+{
+    std::mt19937 random(17);
+    std::vector<ECBase *> pool; // every event made, kept alive to compare
+    auto everything = [&] {
+        std::vector<ECBase *> all = {m_staff};
+        for (ECBase *measure : List(m_staff->GetChildren()))
+            all.push_back(measure);
+        all.insert(all.end(), pool.begin(), pool.end());
+        return all;
+    };
+    // An event made after a state was recorded was loose in that state.
+    auto matches = [&](const Shape &want) {
+        for (const auto &[event, links] : ShapeOf(everything()))
+        {
+            auto it = want.find(event);
+            if (it == want.end() ? !links.first.empty() || !links.second.empty() : it->second != links)
+                return false;
+        }
+        return true;
+    };
+    std::vector<Shape> history = {ShapeOf(everything())};
+    size_t now = 0;
+    // Undo as often as add and remove together, so that steps are undone
+    // right after they are made as well as long after.
+    for (int step = 0; step < 600; ++step)
+    {
+        SCOPED_TRACE(::testing::Message() << "step " << step);
+        // Out of 8: 2 add, 2 remove, 3 undo, 1 redo.
+        static const int kActions[8] = {0, 0, 1, 1, 2, 2, 2, 3};
+        const int action = kActions[random() % 8];
+        const Signature &kind = kSignatures[random() % 2];
+        if (action == 2 && now > 0)
+        {
+            ASSERT_EQ(m_doc->Undo(1), 1);
+            --now;
+        }
+        else if (action == 3 && now + 1 < history.size())
+        {
+            ASSERT_EQ(m_doc->Redo(1), 1);
+            ++now;
+        }
+        else
+        {
+            CCBase *command = nullptr;
+            std::vector<ECBase *> placed;
+            for (ECBase *e : pool)
+                if (e->GetEventId() == kind.id && e->GetParents()->GetCount())
+                    placed.push_back(e);
+            if (action == 1 && !placed.empty())
+                command = kind.remove(placed[random() % placed.size()]);
+            else
+            {
+                // Whole beats over four bars: many land on a time taken.
+                ECBase *event = At(kind.id, static_cast<float>(random() % 16));
+                event->Ref();
+                pool.push_back(event);
+                command = kind.add(event, nullptr);
+            }
+            command->SetSynchronous(1);
+            CString name(L"step");
+            MCCommandMgr::BeginUndo(m_doc, name);
+            command->Apply(m_doc);
+            MCCommandMgr::EndUndo(m_doc);
+            history.resize(now + 1);
+            history.push_back(ShapeOf(everything()));
+            ++now;
+        }
+        ASSERT_TRUE(matches(history[now]));
+        CacheIsRight(EVENT_ID_CLEF)(true);
+        CacheIsRight(EVENT_ID_KEY)(true);
+    }
+    m_doc->ClearUndo();
+    for (ECBase *measure : List(m_staff->GetChildren()))
+        measure->RemoveChildren(1);
+    for (ECBase *e : pool)
+        e->Unref(1);
 }
 
 TEST_F(SignatureCommands, EachTakesItsOwnKindOnly)
