@@ -241,6 +241,33 @@ TEST_F(SignatureCommands, RandomEditsUndosAndRedosKeepTreeAndCacheRight)
         e->Unref(1);
 }
 
+TEST_F(SignatureCommands, AnEditToTheOtherHandMovesTheClefInTheCache)
+{
+    ECBase *first = Put(EVENT_ID_CLEF, 0.0f);
+    auto *second = static_cast<ECClef *>(Put(EVENT_ID_CLEF, 4.0f));
+    auto *edit = new CCEdit;
+    static_cast<ECClef *>(edit->EditEvent(second))->SetHand(1);
+    auto check = [&](bool applied) {
+        MCTime five(5.0f);
+        EXPECT_EQ(static_cast<ECBase *>(m_staff->GetClefAtTime(five, 0)), applied ? first : second);
+        EXPECT_EQ(m_staff->GetClefAtTime(five, 1), applied ? second : nullptr);
+        EXPECT_EQ(second->GetHand(), applied ? 1 : 0);
+    };
+    edit->SetSynchronous(1);
+    CString name(L"hand");
+    MCCommandMgr::BeginUndo(m_doc, name);
+    edit->Apply(m_doc);
+    MCCommandMgr::EndUndo(m_doc);
+    check(true);
+    for (int round = 0; round < 2; ++round)
+    {
+        ASSERT_EQ(m_doc->Undo(1), 1);
+        check(false);
+        ASSERT_EQ(m_doc->Redo(1), 1);
+        check(true);
+    }
+}
+
 TEST_F(SignatureCommands, EachTakesItsOwnKindOnly)
 {
     auto *note = new ECNote;
