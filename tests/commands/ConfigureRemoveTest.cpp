@@ -8,6 +8,8 @@
 #include <scoremodel/commands/CCRemove.h>
 #include <scoremodel/commands/ConfigureRemove.h>
 #include <scoremodel/commands/MCCommandList.h>
+#include <scoremodel/events/envelopes/ECTempo.h>
+#include <scoremodel/events/envelopes/ECTempoEnv.h>
 #include <scoremodel/events/media/ECText.h>
 #include <scoremodel/events/signatures/ECClef.h>
 #include <scoremodel/events/signatures/ECKey.h>
@@ -239,6 +241,37 @@ TEST_F(ConfigureRemoveScore, TheCommandsUndoToTheExactTree)
     for (ECBase *e : tree)
         e->Unref(1);
     EXPECT_TRUE(g_shown.empty());
+    MCSetMessageBoxHandler(nullptr);
+}
+TEST_F(ConfigureRemoveScore, TheFirstTempoStaysWithAMessageAndTheOthersGoOnTheirOwn)
+{
+    MCSetMessageBoxHandler(&Record);
+    g_shown.clear();
+    ECTempoEnv *map = m_score->GetTempoEnv();
+    ASSERT_NE(map, nullptr);
+    ECBase::EventList selection;
+    std::vector<ECBase *> tree = {map};
+    for (auto [beat, bpm] : {std::pair{0.0f, 60.0f}, {4.0f, 120.0f}, {8.0f, 60.0f}})
+    {
+        auto *tempo = new ECTempo(1, MCTime::TimeZero());
+        MCTime at(beat);
+        tempo->SetTime(&at);
+        tempo->SetTempo(bpm, 1.0f);
+        tempo->SetStyle(0);
+        ASSERT_EQ(map->AddChild(tempo, 1), 1);
+        selection.AddTail(tempo);
+        tree.push_back(tempo);
+    }
+    auto *last = static_cast<ECTempo *>(tree[3]);
+    Commands commands;
+    ASSERT_EQ(ConfigureRemove(&selection, commands), 1);
+    EXPECT_EQ(g_shown.size(), 1u);
+    ASSERT_EQ(commands.GetCount(), 2);
+    commands.SetSynchronous(1);
+    RoundTrip(m_doc, commands.GetHead(), tree, [&](bool applied) {
+        EXPECT_FLOAT_EQ(last->GetClockTime().GetSeconds(), applied ? 8.0f : 6.0f);
+    });
+    EXPECT_EQ(List(map->GetChildren()), (std::vector<ECBase *>{tree[1], tree[2], tree[3]}));
     MCSetMessageBoxHandler(nullptr);
 }
 } // namespace
