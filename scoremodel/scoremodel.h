@@ -162,6 +162,15 @@
 #include <scoremodel/commands/MCOleDataOut.h>
 #include <scoremodel/commands/CCOrderTracks.h>
 #include <scoremodel/commands/SelectionTracks.h>
+#include <scoremodel/commands/CCAddClef.h>
+#include <scoremodel/commands/CCAddEnvPoint.h>
+#include <scoremodel/commands/CCAddKey.h>
+#include <scoremodel/commands/CCAddTempo.h>
+#include <scoremodel/commands/CCEdit.h>
+#include <scoremodel/commands/CCRemoveClef.h>
+#include <scoremodel/commands/CCRemoveEnvPoint.h>
+#include <scoremodel/commands/CCRemoveKey.h>
+#include <scoremodel/commands/ConfigureRemove.h>
 
 // Walks over the tree.
 #include <scoremodel/actions/ACBase.h>

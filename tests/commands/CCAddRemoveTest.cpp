@@ -1,6 +1,7 @@
 // Adds and removes under undo: each undo gives back exactly the tree before
 // (the same objects, parents, children and order), each redo the tree after,
 // also where the removal dissolved a chord or emptied a slur or tuplet.
+#include "commands/AddRemoveSupport.h"
 #include "commands/CommandTestSupport.h"
 
 #include <scoremodel/commands/CCAdd.h>
@@ -16,31 +17,10 @@
 #include <scoremodel/events/notes/ECTuplet.h>
 #include <scoremodel/events/structure/ECMeasure.h>
 
-#include <map>
 #include <vector>
 
 namespace
 {
-std::vector<ECBase *> List(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    if (list)
-        for (POSITION pos = list->GetHeadPosition(); pos;)
-            out.push_back(list->GetNext(pos));
-    return out;
-}
-
-// Every event's children and parents, in order, reached from the roots.
-using Shape = std::map<ECBase *, std::pair<std::vector<ECBase *>, std::vector<ECBase *>>>;
-
-Shape ShapeOf(const std::vector<ECBase *> &events)
-{
-    Shape shape;
-    for (ECBase *e : events)
-        shape[e] = {List(e->GetChildren()), List(e->GetParents())};
-    return shape;
-}
-
 template <class T>
 T *At(float time)
 {
@@ -105,31 +85,9 @@ protected:
         return all;
     }
 
-    // Applies `command` in an undo step of its own, then checks that undo
-    // gives back the tree before and redo the tree after, twice over.
-    void RoundTrip(CCBase *command)
-    {
-        for (ECBase *e : All())
-            e->Ref(); // the test keeps every event alive to compare
-        const Shape before = ShapeOf(All());
-        command->SetSynchronous(1);
-        CString name(L"edit");
-        MCCommandMgr::BeginUndo(m_doc, name);
-        command->Apply(m_doc);
-        MCCommandMgr::EndUndo(m_doc);
-        const Shape after = ShapeOf(All());
-        EXPECT_NE(before, after) << "the command changed nothing";
-        for (int round = 0; round < 2; ++round)
-        {
-            ASSERT_EQ(m_doc->Undo(1), 1);
-            EXPECT_EQ(ShapeOf(All()), before) << "undo, round " << round;
-            ASSERT_EQ(m_doc->Redo(1), 1);
-            EXPECT_EQ(ShapeOf(All()), after) << "redo, round " << round;
-        }
-        ASSERT_EQ(m_doc->Undo(1), 1);
-        for (ECBase *e : All())
-            e->Unref(1);
-    }
+    // Undo gives back the tree before, redo the tree after (see
+    // AddRemoveSupport.h).
+    void RoundTrip(CCBase *command) { ::RoundTrip(m_doc, command, All()); }
 
     ECMeasure *m_measure = nullptr;
     ECChord *m_chord = nullptr;
