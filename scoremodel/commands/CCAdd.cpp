@@ -119,7 +119,11 @@ void CCAdd::_CashParentChildRelation()
         ECBase *child = m_addList.GetNext(pos)->GetChild();
         if (!child)
             continue;
-        m_redoOrder->RecordAround(child);
+        // A child with one parent and no children of its own goes back
+        // where it was by time alone; only the lists around one that the
+        // cache links again can come back in another order.
+        if (child->GetParents()->GetCount() > 1 || (child->GetChildren() && !child->GetChildren()->IsEmpty()))
+            m_redoOrder->RecordAround(child);
         std::vector<ECBase *> children, parents;
         if (child->GetEventId() == EVENT_ID_SLUR)
         {

@@ -64,6 +64,8 @@ void Reorder(ECBase::EventList *list, const std::vector<ECBase *> &recorded)
     if (!list)
         return;
     const std::vector<ECBase *> present = Elements(list);
+    if (present == recorded)
+        return;
     std::map<ECBase *, int> left;
     for (ECBase *e : present)
         ++left[e];
@@ -134,18 +136,26 @@ void MCListOrder::Restore() const
     // lists between a command and its undo.
     for (const auto &[event, lists] : m_lists)
     {
-        std::map<ECBase *, int> recorded;
-        for (ECBase *e : lists.children)
-            ++recorded[e];
-        for (ECBase *e : Elements(event->GetChildren()))
-            if (recorded[e]-- <= 0)
-                event->RemoveChild(e, 0);
-        recorded.clear();
-        for (ECBase *e : lists.parents)
-            ++recorded[e];
-        for (ECBase *e : Elements(event->GetParents()))
-            if (recorded[e]-- <= 0)
-                e->RemoveChild(event, 0);
+        const std::vector<ECBase *> children = Elements(event->GetChildren());
+        if (children != lists.children)
+        {
+            std::map<ECBase *, int> recorded;
+            for (ECBase *e : lists.children)
+                ++recorded[e];
+            for (ECBase *e : children)
+                if (recorded[e]-- <= 0)
+                    event->RemoveChild(e, 0);
+        }
+        const std::vector<ECBase *> parents = Elements(event->GetParents());
+        if (parents != lists.parents)
+        {
+            std::map<ECBase *, int> recorded;
+            for (ECBase *e : lists.parents)
+                ++recorded[e];
+            for (ECBase *e : parents)
+                if (recorded[e]-- <= 0)
+                    e->RemoveChild(event, 0);
+        }
     }
     for (const auto &[event, lists] : m_lists)
     {
