@@ -18,6 +18,17 @@ case "${1:-}" in
   --coverage) packages+=(gcovr) ;;
 esac
 
+# The independent checks of pitch and chord spelling (CTest theory_check and
+# chord_check) compare with npm packages, pinned by the lock file. Where node
+# and npm are on the machine they are installed here; without them the two
+# checks report themselves skipped.
+theory="$(dirname "$0")/../tools/theory-check"
+if command -v npm >/dev/null 2>&1 && [[ ! -d "$theory/node_modules" ]]; then
+  echo "install-deps: installing the npm packages of the theory checks"
+  npm ci --prefix "$theory" --no-audit --no-fund --loglevel=error >/dev/null ||
+    echo "install-deps: npm ci failed; the theory checks will be skipped" >&2
+fi
+
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
