@@ -113,7 +113,10 @@ void MCListOrder::RecordAround(ECBase *event)
 {
     if (!event)
         return;
-    Record(event);
+    // An event with one parent and no children has no list whose order a
+    // removal can change: its parent's list is recorded below.
+    if (event->GetParents()->GetCount() > 1 || (event->GetChildren() && !event->GetChildren()->IsEmpty()))
+        Record(event);
     auto relatives = [](ECBase *e) {
         std::vector<ECBase *> out = Elements(e->GetParents());
         for (ECBase *child : Elements(e->GetChildren()))
