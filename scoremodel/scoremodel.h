@@ -147,9 +147,11 @@
 #include <scoremodel/commands/CCAddRemoveItems.h>
 #include <scoremodel/commands/CCAddTrack.h>
 #include <scoremodel/commands/CCAddTuplet.h>
+#include <scoremodel/commands/CCAdjustMeasureChildren.h>
 #include <scoremodel/commands/CCBase.h>
 #include <scoremodel/commands/CCCopyTracks.h>
 #include <scoremodel/commands/CCGroupStaves.h>
+#include <scoremodel/commands/CCMeterInfo.h>
 #include <scoremodel/commands/CCRemove.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandList.h>

@@ -2,6 +2,7 @@
 // tracks and the chord staff, and the tracks they refuse.
 #include "events/structure/TrackTestSupport.h"
 
+#include <scoremodel/commands/CCAdjustMeasureChildren.h>
 #include <scoremodel/commands/CCCopyTracks.h>
 #include <scoremodel/commands/CCGroupStaves.h>
 #include <scoremodel/events/base/EventRegistry.h>
@@ -268,4 +269,59 @@ TEST_F(TrackCommands, CopiedStavesHoldCopiesOfEverythingAndUndoTakesThemOut)
     refused->Apply(m_doc);
     EXPECT_TRUE(refused->GetCopies().empty()) << "no staff 9";
     refused->Unref(1);
+}
+
+TEST_F(TrackCommands, EventsMoveToTheMeasureThatCoversThemAndBackOnUndo)
+{
+    AddStaff();
+    MCTime last(7.0f); // two bars of 4.0
+    ASSERT_NE(m_conductor->GetConductorStaff()->GetConductorMeasureAtTime(last, 1, 1), nullptr);
+    ECMeasure *first = m_conductor->GetMeasure(1, MCTime(0.0f), 0, 1);
+    ECMeasure *second = m_conductor->GetMeasure(1, MCTime(4.0f), 0, 1);
+    // As a re-cut leaves them: a note of bar 2 still in bar 1, one past the
+    // end in bar 2, one whose end runs past the score, one in place.
+    struct Placed
+    {
+        float time, length;
+        ECMeasure *in;
+    } const placed[] = {{5.0f, 1.0f, first}, {9.0f, 1.0f, second}, {6.0f, 6.0f, second}, {1.0f, 1.0f, first}};
+    std::vector<ECBase *> notes;
+    for (const Placed &p : placed)
+    {
+        ECBase *note = CreateEventW(EVENT_ID_NOTE);
+        MCTime t(p.time), d(p.length);
+        note->SetTime(&t);
+        note->SetDuration(&d);
+        note->Ref();
+        p.in->AddChild(note, 1);
+        notes.push_back(note);
+    }
+    auto measureOf = [](ECBase *e) { return e->GetParents()->GetHead(); };
+
+    auto *adjust = new CCAdjustMeasureChildren;
+    adjust->Ref();
+    adjust->SetTimeRange(MCTime(0.0f), MCTime::TimeMax());
+    ASSERT_TRUE(Step(m_doc, adjust));
+    // Measure numbers count from 1: bars 3 (8 to 12, for the note at 9) and
+    // 4 (from 12, where the long note ends) were appended.
+    EXPECT_EQ(adjust->GetMeasureInsertLocation(), 3);
+    EXPECT_EQ(adjust->GetMeasureInsertCount(), 2);
+    EXPECT_EQ(m_conductor->GetMaxMeasureNumber(), 4);
+    EXPECT_EQ(measureOf(notes[0]), second);
+    EXPECT_EQ(measureOf(notes[1]), m_conductor->GetMeasure(1, MCTime(9.0f), 0, 1));
+    EXPECT_EQ(measureOf(notes[2]), second);
+    EXPECT_EQ(measureOf(notes[3]), first);
+    for (ECBase *note : notes)
+        EXPECT_EQ(note->GetParents()->GetCount(), 1) << "in one measure only";
+
+    ASSERT_EQ(m_doc->Undo(1), 1);
+    for (size_t i = 0; i < notes.size(); ++i)
+        EXPECT_EQ(measureOf(notes[i]), placed[i].in) << i;
+    EXPECT_EQ(m_conductor->GetMaxMeasureNumber(), 2) << "the bars made at the end went";
+    ASSERT_EQ(m_doc->Redo(1), 1);
+    EXPECT_EQ(measureOf(notes[0]), second);
+    EXPECT_EQ(m_conductor->GetMaxMeasureNumber(), 4);
+    adjust->Unref(1);
+    for (ECBase *note : notes)
+        note->Unref(1);
 }

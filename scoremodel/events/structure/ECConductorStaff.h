@@ -67,6 +67,9 @@ class SCOREMODEL_API ECConductorStaff : public ECStaff
 {
     DECLARE_SERIAL(ECConductorStaff)
 
+    // The measure commands change the columns.
+    friend class CCAdjustMeasureChildren;
+
 public:
     typedef CTypedPtrArray<CObArray, ECStaff *> StaffArray;
     typedef CTypedPtrArray<CObArray, ECConductorMeasure *> MeasureArray;
