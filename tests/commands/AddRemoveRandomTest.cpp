@@ -5,6 +5,7 @@
 // the shape after it (the same objects, parents, children and order). At the
 // end, once the history and the document are gone, nothing but the test
 // holds any event.
+#include "commands/AddRemoveSupport.h"
 #include "commands/CommandTestSupport.h"
 
 #include <scoremodel/commands/CCAdd.h>
@@ -27,17 +28,6 @@
 
 namespace
 {
-using Shape = std::map<ECBase *, std::pair<std::vector<ECBase *>, std::vector<ECBase *>>>;
-
-std::vector<ECBase *> List(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    if (list)
-        for (POSITION pos = list->GetHeadPosition(); pos;)
-            out.push_back(list->GetNext(pos));
-    return out;
-}
-
 // Whether the tree now is the recorded one: every recorded event has its
 // recorded lists, and an event made since then stands outside the tree.
 ::testing::AssertionResult Same(const Shape &now, const Shape &recorded)
@@ -71,10 +61,10 @@ protected:
     {
         Shape shape;
         for (ECBase *e : m_events)
-            shape[e] = {List(e->GetChildren()), List(e->GetParents())};
+            shape[e] = {Elements(e->GetChildren()), Elements(e->GetParents())};
         for (ECMeasure *m : m_measures)
-            shape[m] = {List(m->GetChildren()), List(m->GetParents())};
-        shape[m_staff] = {List(m_staff->GetChildren()), {}};
+            shape[m] = {Elements(m->GetChildren()), Elements(m->GetParents())};
+        shape[m_staff] = {Elements(m_staff->GetChildren()), {}};
         return shape;
     }
 

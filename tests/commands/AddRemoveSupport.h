@@ -3,6 +3,8 @@
 // objects, parents, children and order) and, on redo, the tree after.
 #pragma once
 
+#include "events/base/EventTestSupport.h"
+
 #include <scoremodel/commands/CCBase.h>
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/events/structure/ECPerformance.h>
@@ -13,15 +15,6 @@
 #include <map>
 #include <vector>
 
-inline std::vector<ECBase *> List(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    if (list)
-        for (POSITION pos = list->GetHeadPosition(); pos;)
-            out.push_back(list->GetNext(pos));
-    return out;
-}
-
 // Every event's children and parents, in order.
 using Shape = std::map<ECBase *, std::pair<std::vector<ECBase *>, std::vector<ECBase *>>>;
 
@@ -29,7 +22,7 @@ inline Shape ShapeOf(const std::vector<ECBase *> &events)
 {
     Shape shape;
     for (ECBase *e : events)
-        shape[e] = {List(e->GetChildren()), List(e->GetParents())};
+        shape[e] = {Elements(e->GetChildren()), Elements(e->GetParents())};
     return shape;
 }
 

@@ -122,7 +122,7 @@ TEST_F(AddRemove, ItemsFindTheirParentAndHoldWhatTheyName)
     EXPECT_EQ(remove->Remove(m_lone), nullptr) << "listed already";
     ECBase::EventList listed;
     EXPECT_EQ(remove->GetRemoveEvents(listed), 1);
-    EXPECT_EQ(List(&listed), (std::vector<ECBase *>{m_lone}));
+    EXPECT_EQ(Elements(&listed), (std::vector<ECBase *>{m_lone}));
     remove->Unref(1);
 }
 
@@ -223,9 +223,9 @@ TEST_F(AddRemove, AReplacedFingerGoesForGood)
     MCCommandMgr::BeginUndo(m_doc, name);
     add->Apply(m_doc);
     MCCommandMgr::EndUndo(m_doc);
-    EXPECT_EQ(List(m_lone->GetChildren()), (std::vector<ECBase *>{finger}));
+    EXPECT_EQ(Elements(m_lone->GetChildren()), (std::vector<ECBase *>{finger}));
     ASSERT_EQ(m_doc->Undo(1), 1);
-    EXPECT_TRUE(List(m_lone->GetChildren()).empty()) << "undo leaves neither finger";
+    EXPECT_TRUE(Elements(m_lone->GetChildren()).empty()) << "undo leaves neither finger";
     old->Unref(1);
     finger->Unref(1);
 }

@@ -1,5 +1,6 @@
 // The track commands: renumbering, undo and redo of the same objects, wave
 // tracks and the chord staff, and the tracks they refuse.
+#include "events/base/EventTestSupport.h"
 #include "events/structure/TrackTestSupport.h"
 
 #include <scoremodel/commands/CCAdjustMeasureChildren.h>
@@ -191,14 +192,6 @@ TEST_F(TrackCommands, GroupingStavesAndTakingAGroupAwayUndoToTheTablesBefore)
 
 namespace
 {
-std::vector<ECBase *> Elements(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    for (POSITION pos = list ? list->GetHeadPosition() : nullptr; pos;)
-        out.push_back(list->GetNext(pos));
-    return out;
-}
-
 // Every event below `root`, depth first, each once.
 std::vector<ECBase *> Below(ECBase *root)
 {

@@ -36,7 +36,7 @@ std::vector<ECBase *> Removed(CCBase *command)
     ECBase::EventList events;
     if (auto *remove = dynamic_cast<CCRemove *>(command))
         remove->GetRemoveEvents(events);
-    return List(&events);
+    return Elements(&events);
 }
 
 class ConfigureRemoveTest : public ::testing::Test
@@ -227,8 +227,8 @@ TEST_F(ConfigureRemoveScore, TheCommandsUndoToTheExactTree)
     ASSERT_EQ(commands.Apply(m_doc), 1);
     MCCommandMgr::EndUndo(m_doc);
     const Shape after = ShapeOf(tree);
-    EXPECT_EQ(List(measures[0]->GetChildren()), std::vector<ECBase *>{tree[3]}) << "the clef at zero stays";
-    EXPECT_TRUE(List(measures[1]->GetChildren()).empty());
+    EXPECT_EQ(Elements(measures[0]->GetChildren()), std::vector<ECBase *>{tree[3]}) << "the clef at zero stays";
+    EXPECT_TRUE(Elements(measures[1]->GetChildren()).empty());
     MCTime five(5.0f);
     EXPECT_EQ(static_cast<ECBase *>(staff->GetClefAtTime(five, 0)), tree[3]);
     EXPECT_EQ(staff->GetKeyAtTime(five, 0), nullptr);
@@ -271,7 +271,7 @@ TEST_F(ConfigureRemoveScore, TheFirstTempoStaysWithAMessageAndTheOthersGoOnTheir
     RoundTrip(m_doc, commands.GetHead(), tree, [&](bool applied) {
         EXPECT_FLOAT_EQ(last->GetClockTime().GetSeconds(), applied ? 8.0f : 6.0f);
     });
-    EXPECT_EQ(List(map->GetChildren()), (std::vector<ECBase *>{tree[1], tree[2], tree[3]}));
+    EXPECT_EQ(Elements(map->GetChildren()), (std::vector<ECBase *>{tree[1], tree[2], tree[3]}));
     MCSetMessageBoxHandler(nullptr);
 }
 } // namespace

@@ -71,10 +71,10 @@ protected:
     std::vector<ECBase *> Tree()
     {
         std::vector<ECBase *> all = {m_staff};
-        for (ECBase *measure : List(m_staff->GetChildren()))
+        for (ECBase *measure : Elements(m_staff->GetChildren()))
         {
             all.push_back(measure);
-            for (ECBase *e : List(measure->GetChildren()))
+            for (ECBase *e : Elements(measure->GetChildren()))
                 all.push_back(e);
         }
         all.insert(all.end(), m_outside.begin(), m_outside.end());
@@ -88,8 +88,8 @@ protected:
     {
         ECBase *best = nullptr;
         MCTime t(time);
-        for (ECBase *measure : List(m_staff->GetChildren()))
-            for (ECBase *e : List(measure->GetChildren()))
+        for (ECBase *measure : Elements(m_staff->GetChildren()))
+            for (ECBase *e : Elements(measure->GetChildren()))
                 if (e->GetEventId() == id && ECStaff::GetCacheHand(e) == 0 && *e->GetTime() <= t &&
                     (!best || *e->GetTime() > *best->GetTime()))
                     best = e;
@@ -152,7 +152,7 @@ TEST_F(SignatureCommands, RemovingAndAddingKeepTheStaffCacheRight)
         added->Unref(1);
         EXPECT_EQ(Cached(s.id, 1.0f), first);
 
-        for (ECBase *measure : List(m_staff->GetChildren()))
+        for (ECBase *measure : Elements(m_staff->GetChildren()))
             measure->RemoveChildren(1);
         m_doc->ClearUndo();
     }
@@ -168,7 +168,7 @@ TEST_F(SignatureCommands, RandomEditsUndosAndRedosKeepTreeAndCacheRight)
     std::vector<ECBase *> pool; // every event made, kept alive to compare
     auto everything = [&] {
         std::vector<ECBase *> all = {m_staff};
-        for (ECBase *measure : List(m_staff->GetChildren()))
+        for (ECBase *measure : Elements(m_staff->GetChildren()))
             all.push_back(measure);
         all.insert(all.end(), pool.begin(), pool.end());
         return all;
@@ -235,7 +235,7 @@ TEST_F(SignatureCommands, RandomEditsUndosAndRedosKeepTreeAndCacheRight)
         CacheIsRight(EVENT_ID_KEY)(true);
     }
     m_doc->ClearUndo();
-    for (ECBase *measure : List(m_staff->GetChildren()))
+    for (ECBase *measure : Elements(m_staff->GetChildren()))
         measure->RemoveChildren(1);
     for (ECBase *e : pool)
         e->Unref(1);
@@ -340,7 +340,7 @@ protected:
     std::vector<ECBase *> Tree()
     {
         std::vector<ECBase *> all = {m_map};
-        for (ECBase *e : List(m_map->GetChildren()))
+        for (ECBase *e : Elements(m_map->GetChildren()))
             all.push_back(e);
         all.insert(all.end(), m_outside.begin(), m_outside.end());
         return all;
@@ -400,7 +400,7 @@ TEST_F(TempoCommands, AnEditGivesNewValuesAndItsUndoTheOldOnes)
     MCCommandMgr::BeginUndo(m_doc, name);
     edit->Apply(m_doc);
     MCCommandMgr::EndUndo(m_doc);
-    const std::vector<ECBase *> points = List(m_map->GetChildren());
+    const std::vector<ECBase *> points = Elements(m_map->GetChildren());
     for (int round = 0; round < 2; ++round)
     {
         EXPECT_TRUE(text->GetText() == CString(L"new"));
@@ -408,7 +408,7 @@ TEST_F(TempoCommands, AnEditGivesNewValuesAndItsUndoTheOldOnes)
         ASSERT_EQ(m_doc->Undo(1), 1);
         EXPECT_TRUE(text->GetText() == CString(L"old"));
         EXPECT_FLOAT_EQ(m_points[1]->GetClockTime().GetSeconds(), 4.0f);
-        EXPECT_EQ(List(m_map->GetChildren()), points) << "the same points in the same places";
+        EXPECT_EQ(Elements(m_map->GetChildren()), points) << "the same points in the same places";
         ASSERT_EQ(m_doc->Redo(1), 1);
     }
     edit->Unref(1);
