@@ -66,26 +66,6 @@ ULONGLONG LoadInto(MCInstrument &instrument, const Bytes &bytes)
 }
 } // namespace
 
-TEST(MCInstrument, NewInstrumentIsUnset)
-{
-    MCInstrument i;
-    EXPECT_TRUE(i.GetName().IsEmpty());
-    EXPECT_TRUE(i.GetDescription().IsEmpty());
-    EXPECT_EQ(i.GetStringsCount(), -1);
-    EXPECT_EQ(i.GetFretsCount(), -1);
-    EXPECT_EQ(i.GetFingerDistance(), -1);
-    EXPECT_EQ(i.GetTunes().GetSize(), 0);
-    EXPECT_EQ(i.Initialized(), 0);
-}
-
-TEST(MCInstrument, FretsDefaultIsAGuitarAndItsLowB)
-{
-    const int expected[] = {64, 59, 55, 50, 45, 40, 35};
-    ASSERT_EQ(MCInstrument::FretsDefaultCount, 7);
-    for (int i = 0; i < 7; ++i)
-        EXPECT_EQ(MCInstrument::FretsDefault[i], expected[i]);
-}
-
 TEST(MCInstrument, SettingTunesMarksInitialized)
 {
     MCInstrument i;
