@@ -69,7 +69,7 @@ int ECGroup::RemoveChild(ECBase *child, int deep)
 
 int ECGroup::RemoveChildren(int deep)
 {
-    if (HasType(Closed))
+    if (HasType(Closed) && !deep)
         return 0;
     KeepAlive self(this);
     if (ECWithTimeChild::RemoveChildren(deep) && HasType(LeaveParentsWithLastChild) && m_children.IsEmpty())

@@ -60,6 +60,10 @@ public:
     int RemoveFromParents() override;
     // 0, touching nothing, while the group is closed.
     int RemoveChild(ECBase *child, int deep) override;
+    // Also 0 while closed, but only for a shallow removal. A deep one takes
+    // the subtree down for good (a document closing, a discarded paste):
+    // each note holds its groups as parents, so a closed group that kept its
+    // notes then would keep them, and they it, for ever.
     int RemoveChildren(int deep) override;
     // A group taken out of the tree lets go of its children (a closed one
     // keeps them), so that no note keeps a parent that is not in the tree;

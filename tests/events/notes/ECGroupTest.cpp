@@ -74,6 +74,23 @@ TEST(ECGroupTest, AClosedGroupRefusesToLetGo)
     EXPECT_EQ(s.Children(), 1);
 }
 
+TEST(ECGroupTest, ATreeTakenDownFreesAClosedGroupAndItsNotes)
+{
+    // The notes hold the group as a parent and the group holds them: only
+    // the deep removal can break that ring, whatever the type bits say.
+    for (BYTE type : {BYTE(ECGroup::Closed), BYTE(0xFF)})
+    {
+        GroupUnderParent s(new ECGroup(type));
+        for (ECNote *n : s.notes)
+            s.parent->AddChild(n, 0);
+        s.parent->RemoveChildren(1);
+        EXPECT_EQ(s.Children(), 0);
+        EXPECT_EQ(s.group->GetRefCount(), 1) << "held by the test only";
+        for (ECNote *n : s.notes)
+            EXPECT_EQ(n->GetRefCount(), 1);
+    }
+}
+
 TEST(ECGroupTest, TheLifeRulesOfEachBit)
 {
     struct Case
