@@ -152,6 +152,10 @@
 #include <scoremodel/commands/CCCopyTracks.h>
 #include <scoremodel/commands/CCGroupStaves.h>
 #include <scoremodel/commands/CCMeterInfo.h>
+#include <scoremodel/commands/CCAddMeter.h>
+#include <scoremodel/commands/CCRemoveMeter.h>
+#include <scoremodel/commands/CCAddMeasure.h>
+#include <scoremodel/commands/CCRemoveMeasure.h>
 #include <scoremodel/commands/CCRemove.h>
 #include <scoremodel/commands/CCRemoveTrack.h>
 #include <scoremodel/commands/MCCommandList.h>

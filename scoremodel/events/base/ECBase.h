@@ -62,6 +62,9 @@ class SCOREMODEL_API ECBase : public CObject
 {
     DECLARE_SERIAL(ECBase)
 
+    // The bar-structure commands write lists back as they recorded them.
+    friend class MCStructureJournal;
+
 public:
     typedef CTypedPtrList<MCEventList, ECBase *> EventList;
 

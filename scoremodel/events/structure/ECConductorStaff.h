@@ -69,6 +69,9 @@ class SCOREMODEL_API ECConductorStaff : public ECStaff
 
     // The measure commands change the columns.
     friend class CCAdjustMeasureChildren;
+    friend class CCAddMeasure;
+    friend class CCRemoveMeasure;
+    friend class MCStructureJournal;
 
 public:
     typedef CTypedPtrArray<CObArray, ECStaff *> StaffArray;

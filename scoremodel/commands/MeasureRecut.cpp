@@ -1,0 +1,114 @@
+#include <scoremodel/commands/MeasureRecut.h>
+
+#include <scoremodel/actions/ACDeltaTime.h>
+#include <scoremodel/actions/ACFindEvents.h>
+#include <scoremodel/actions/ACSortChildren.h>
+#include <scoremodel/commands/CCBase.h>
+#include <scoremodel/events/base/EventIds.h>
+#include <scoremodel/events/envelopes/ECEnvelope.h>
+#include <scoremodel/events/signatures/ECMeter.h>
+#include <scoremodel/events/structure/ECConductor.h>
+#include <scoremodel/events/structure/ECConductorMeasure.h>
+#include <scoremodel/events/structure/ECConductorStaff.h>
+#include <scoremodel/events/structure/ECPerformance.h>
+
+#include <vector>
+
+namespace measure_recut
+{
+ECConductorStaff *ConductorStaffOf(ECConductor *conductor)
+{
+    return conductor ? static_cast<ECConductorStaff *>(conductor->GetTrack(ECConductor::TrackConductorStaff, 0, 1))
+                     : nullptr;
+}
+
+void ShiftFrom(ECPerformance *document, const MCTime &delta, const MCTime &from, std::initializer_list<int> bypass)
+{
+    ACDeltaTime shift(delta, from, MCTime::TimeMax(), ACRangeOpenEnd);
+    for (int id : bypass)
+        shift.BypassEvtType(id);
+    shift.Apply(document);
+}
+
+void ScaleFlowControl(ECPerformance *document, const MCTime &start, const MCTime &end, float ratio,
+                      const MCTime &shift)
+{
+    ACFindEvents find(1);
+    find.AddEvtType(EVENT_ID_FLOW_CONTROL);
+    find.Apply(document);
+    for (POSITION pos = find.GetEvents().GetHeadPosition(); pos;)
+    {
+        MCTime *time = find.GetEvents().GetNext(pos)->GetTime();
+        if (!time || *time < start)
+            continue;
+        if (*time <= end)
+        {
+            MCTime scaled(*time);
+            scaled -= start;
+            scaled *= ratio;
+            scaled += start;
+            *time = scaled;
+        }
+        else
+            *time += shift;
+    }
+}
+
+void SortTracks(ECConductor *conductor)
+{
+    ACSortChildren sort(3);
+    sort.SetDepth(1);
+    for (int id : {EVENT_ID_CONDUCTOR_STAFF, EVENT_ID_STAFF, EVENT_ID_WAVE_TRACK})
+        sort.AddEvtType(id);
+    sort.Apply(conductor);
+}
+
+MCTime Retime(ECBase::EventList &columns, MCTime start, float length)
+{
+    MCTime cursor = start;
+    for (POSITION pos = columns.GetHeadPosition(); pos;)
+    {
+        static_cast<ECConductorMeasure *>(columns.GetNext(pos))->SetMeasureTime(&cursor);
+        cursor += MCTime(length);
+    }
+    return cursor;
+}
+
+void RefreshEnvelopes(ECPerformance *document)
+{
+    std::vector<ECBase *> stack{document};
+    while (!stack.empty())
+    {
+        ECBase *event = stack.back();
+        stack.pop_back();
+        if (event->IsKindOf(RUNTIME_CLASS(ECEnvelope)))
+        {
+            static_cast<ECEnvelope *>(event)->UpdateChildren();
+            continue; // points hold no envelopes
+        }
+        // Envelopes hang under tracks and the conductor staff, never under
+        // measures: the walk stays out of the measures' many events.
+        if (event->GetEventId() == EVENT_ID_MEASURE || event->GetEventId() == EVENT_ID_CONDUCTOR_MEASURE)
+            continue;
+        if (ECBase::EventList *children = event->GetChildren())
+            for (POSITION pos = children->GetHeadPosition(); pos;)
+                if (ECBase *child = children->GetNext(pos))
+                    stack.push_back(child);
+        for (int i = 0; ECBase *member = event->GetMemberEvent(i); ++i)
+            stack.push_back(member);
+    }
+}
+
+int ApplyNested(CCBase *command, ECPerformance *document)
+{
+    command->Ref();
+    command->SetSynchronous(1);
+    command->SetCanUndo(0);
+    return command->Apply(document);
+}
+
+float BarLength(ECMeter *meter)
+{
+    return meter ? meter->GetMeasureLength() : 4.0f;
+}
+} // namespace measure_recut
