@@ -5,6 +5,7 @@
 #include <scoremodel/commands/CCRemoveClef.h>
 #include <scoremodel/commands/CCRemoveEnvPoint.h>
 #include <scoremodel/commands/CCRemoveKey.h>
+#include <scoremodel/commands/CCRemoveMeter.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/media/ECText.h>
 #include <scoremodel/platform/MCLanguageManager.h>
@@ -88,8 +89,8 @@ int ConfigureRemove(CTypedPtrList<MCEventList, ECBase *> *events, CTypedPtrList<
                 Own<CCRemoveKey>(event, commands);
             break;
         case EVENT_ID_METER:
-            // Kept: a meter leaves through the measure restructuring, which
-            // will take it (see the header).
+            if (AboveZero(event))
+                Own<CCRemoveMeter>(event, commands);
             break;
         case EVENT_ID_DYNAMIC:
         case EVENT_ID_PEDAL:

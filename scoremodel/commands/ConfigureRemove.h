@@ -8,19 +8,15 @@
 // The selection is first reduced to its topmost events (a note selected
 // with its own chord goes with the chord, not on its own). Then, by kind:
 // structure (barlines, beams, dots, measures, staves, the score itself) is
-// passed over; a clef or key goes through its own CCRemoveClef or
-// CCRemoveKey unless it stands at time zero, where it is kept without a
-// word; a dynamic, pedal, transposition, compression or tempo goes through
+// passed over; a clef, key or meter goes through its own CCRemoveClef,
+// CCRemoveKey or CCRemoveMeter (which re-cuts the bars it governed) unless
+// it stands at time zero, where it is kept without a word; a dynamic, pedal, transposition, compression or tempo goes through
 // its own CCRemoveEnvPoint; a text of type 3 is not removed but emptied
 // through the list's CCEdit; everything else shares one CCRemove. The tempo
 // at time zero, and a program change at time zero on voice 0, are kept, and
 // the user is told why ("IDS_MSG_REMOVE_FIRST_TEMPO",
 // "IDS_MSG_REMOVE_FIRST_PROGRAMCHANGE" of "DataModel", in an information
 // box); the walk goes on with the next event.
-//
-// A meter is kept as well: taking it out restructures the measures after
-// it, which is the meter removal command's work (CCRemoveMeter), not that
-// of a plain removal from the meter map.
 #pragma once
 
 #include <scoremodel/Export.h>

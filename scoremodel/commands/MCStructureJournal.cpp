@@ -9,7 +9,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <unordered_set>
 
 namespace
 {
@@ -34,52 +33,6 @@ bool SameList(ECBase::EventList *list, const ECBase *const *begin, std::size_t c
     return true;
 }
 
-std::vector<ECBase *> ListOf(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    if (list)
-    {
-        out.reserve(static_cast<std::size_t>(list->GetCount()));
-        for (POSITION pos = list->GetHeadPosition(); pos;)
-            out.push_back(list->GetNext(pos));
-    }
-    return out;
-}
-
-// Every event under the document, each once: the child lists and the
-// events held by member (the chord staff), depth first.
-template <class Visit>
-void WalkDocument(ECPerformance *document, Visit &&visit)
-{
-    std::unordered_set<ECBase *> seen;
-    std::vector<ECBase *> stack{document};
-    while (!stack.empty())
-    {
-        ECBase *event = stack.back();
-        stack.pop_back();
-        if (!event || !seen.insert(event).second)
-            continue;
-        visit(event);
-        for (int i = 0; ECBase *member = event->GetMemberEvent(i); ++i)
-            stack.push_back(member);
-        if (ECBase::EventList *children = event->GetChildren())
-            for (POSITION pos = children->GetTailPosition(); pos;)
-                stack.push_back(children->GetPrev(pos));
-    }
-}
-
-// Writes a list back as given. Each member is held while the list is
-// rebuilt: one the list alone held would die between the two steps.
-void WriteList(ECBase::EventList &list, const std::vector<ECBase *> &members)
-{
-    for (ECBase *e : members)
-        e->Ref();
-    list.RemoveAll();
-    for (ECBase *e : members)
-        list.AddTail(e);
-    for (ECBase *e : members)
-        e->Unref(1);
-}
 } // namespace
 
 // The state Begin records, flat: one entry per event, its lists as ranges
@@ -95,8 +48,35 @@ struct MCStructureJournal::Snapshot
     };
     std::vector<Entry> entries;
     std::vector<ECBase *> pool;
-    std::unordered_map<ECBase *, std::size_t> index;
 };
+
+// Every event under the document, each once (an event with several
+// parents is met several times): the child lists and the events held by
+// member (the chord staff), depth first. A state bit marks the events met,
+// cleared again at the end, so the walk costs no look-up table.
+template <class Visit>
+void MCStructureJournal::WalkDocument(ECPerformance *document, Visit &&visit)
+{
+    std::vector<ECBase *> met;
+    std::vector<ECBase *> stack{document};
+    while (!stack.empty())
+    {
+        ECBase *event = stack.back();
+        stack.pop_back();
+        if (!event || (event->m_state & ECBase::StateVisited))
+            continue;
+        event->m_state |= ECBase::StateVisited;
+        met.push_back(event);
+        visit(event);
+        for (int i = 0; ECBase *member = event->GetMemberEvent(i); ++i)
+            stack.push_back(member);
+        if (ECBase::EventList *children = event->GetChildren())
+            for (POSITION pos = children->GetTailPosition(); pos;)
+                stack.push_back(children->GetPrev(pos));
+    }
+    for (ECBase *event : met)
+        event->m_state &= static_cast<BYTE>(~ECBase::StateVisited);
+}
 
 MCStructureJournal::MCStructureJournal() = default;
 
@@ -109,20 +89,49 @@ void MCStructureJournal::Release()
 {
     if (m_snapshot)
         for (Snapshot::Entry &entry : m_snapshot->entries)
+        {
+            entry.event->m_state &= static_cast<BYTE>(~ECBase::StateRecorded);
             entry.event->Unref(1);
+        }
     m_snapshot.reset();
-    for (ECBase *e : m_held)
-        e->Unref(1);
-    m_held.clear();
+    for (Change &change : m_changes)
+        change.event->Unref(1);
     m_changes.clear();
+    m_lists.clear();
     m_complete = false;
     m_undone = false;
 }
 
-void MCStructureJournal::Hold(ECBase *event)
+MCStructureJournal::Range MCStructureJournal::Keep(const ECBase *const *members, std::size_t count)
 {
-    event->Ref();
-    m_held.push_back(event);
+    Range range{static_cast<std::uint32_t>(m_lists.size()), static_cast<std::uint32_t>(count)};
+    for (std::size_t i = 0; i < count; ++i)
+        m_lists.push_back(const_cast<ECBase *>(members[i]));
+    return range;
+}
+
+MCStructureJournal::Range MCStructureJournal::Keep(ECBase::EventList *list)
+{
+    Range range{static_cast<std::uint32_t>(m_lists.size()), 0};
+    if (list)
+        for (POSITION pos = list->GetHeadPosition(); pos;)
+            m_lists.push_back(list->GetNext(pos));
+    range.count = static_cast<std::uint32_t>(m_lists.size() - range.at);
+    return range;
+}
+
+// Writes a list back as kept. Each member is held while the list is
+// rebuilt: one the list alone held would die between the two steps.
+void MCStructureJournal::WriteList(ECBase::EventList &list, const Range &range)
+{
+    ECBase *const *members = m_lists.data() + range.at;
+    for (std::uint32_t i = 0; i < range.count; ++i)
+        members[i]->Ref();
+    list.RemoveAll();
+    for (std::uint32_t i = 0; i < range.count; ++i)
+        list.AddTail(members[i]);
+    for (std::uint32_t i = 0; i < range.count; ++i)
+        members[i]->Unref(1);
 }
 
 void MCStructureJournal::ReadColumns(ECPerformance *document, Columns &out)
@@ -179,10 +188,10 @@ void MCStructureJournal::Begin(ECPerformance *document)
         for (POSITION pos = event->GetParents()->GetHeadPosition(); pos;)
             s.pool.push_back(event->GetParents()->GetNext(pos));
         entry.parentCount = s.pool.size() - entry.parents;
-        s.index.emplace(event, s.entries.size());
         s.entries.push_back(std::move(entry));
         // Whatever the command takes out must still be there to compare.
         event->Ref();
+        event->m_state |= ECBase::StateRecorded;
     });
     ReadColumns(document, m_columns[0]);
 }
@@ -192,7 +201,6 @@ void MCStructureJournal::End()
     if (!m_snapshot)
         return;
     Snapshot &s = *m_snapshot;
-    std::vector<bool> visited(s.entries.size(), false);
     auto compare = [&](ECBase *event, const Snapshot::Entry *entry) {
         Change change;
         change.event = event;
@@ -208,18 +216,14 @@ void MCStructureJournal::End()
             if (!SameList(event->GetChildren(), s.pool.data() + entry->children, entry->childCount))
             {
                 change.childrenChanged = true;
-                change.children[0].assign(s.pool.begin() + static_cast<std::ptrdiff_t>(entry->children),
-                                          s.pool.begin() +
-                                              static_cast<std::ptrdiff_t>(entry->children + entry->childCount));
-                change.children[1] = ListOf(event->GetChildren());
+                change.children[0] = Keep(s.pool.data() + entry->children, entry->childCount);
+                change.children[1] = Keep(event->GetChildren());
             }
             if (!SameList(event->GetParents(), s.pool.data() + entry->parents, entry->parentCount))
             {
                 change.parentsChanged = true;
-                change.parents[0].assign(s.pool.begin() + static_cast<std::ptrdiff_t>(entry->parents),
-                                         s.pool.begin() +
-                                             static_cast<std::ptrdiff_t>(entry->parents + entry->parentCount));
-                change.parents[1] = ListOf(event->GetParents());
+                change.parents[0] = Keep(s.pool.data() + entry->parents, entry->parentCount);
+                change.parents[1] = Keep(event->GetParents());
             }
         }
         else
@@ -232,26 +236,24 @@ void MCStructureJournal::End()
                 change.time[1] = *time;
             }
             change.childrenChanged = event->GetChildren() && !event->GetChildren()->IsEmpty();
-            change.children[1] = ListOf(event->GetChildren());
+            change.children[1] = Keep(event->GetChildren());
             change.parentsChanged = !event->GetParents()->IsEmpty();
-            change.parents[1] = ListOf(event->GetParents());
+            change.parents[1] = Keep(event->GetParents());
         }
         if (change.timeChanged || change.childrenChanged || change.parentsChanged)
         {
-            Hold(event);
+            event->Ref();
             m_changes.push_back(std::move(change));
         }
     };
+    // Each recorded event, in the tree or taken out of it; then those the
+    // command made.
+    for (const Snapshot::Entry &entry : s.entries)
+        compare(entry.event, &entry);
     WalkDocument(m_pDocument, [&](ECBase *event) {
-        auto it = s.index.find(event);
-        if (it != s.index.end())
-            visited[it->second] = true;
-        compare(event, it != s.index.end() ? &s.entries[it->second] : nullptr);
+        if (!(event->m_state & ECBase::StateRecorded))
+            compare(event, nullptr);
     });
-    // Events the command took out of the tree.
-    for (std::size_t i = 0; i < s.entries.size(); ++i)
-        if (!visited[i])
-            compare(s.entries[i].event, &s.entries[i]);
     ReadColumns(m_pDocument, m_columns[1]);
     m_columnsChanged = m_columns[0].measures != m_columns[1].measures ||
                        m_columns[0].maxMeasure != m_columns[1].maxMeasure ||
@@ -265,7 +267,10 @@ void MCStructureJournal::End()
     // children of the conductor staff. So the held changes keep alive
     // everything a restore writes.
     for (Snapshot::Entry &entry : s.entries)
+    {
+        entry.event->m_state &= static_cast<BYTE>(~ECBase::StateRecorded);
         entry.event->Unref(1);
+    }
     m_snapshot.reset();
     m_complete = true;
 }

@@ -27,8 +27,8 @@
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECBase.h>
 
+#include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 class ECPerformance;
@@ -59,6 +59,14 @@ public:
 
 private:
     struct Snapshot;
+    // A list kept in m_lists: `count` members from `at`.
+    struct Range
+    {
+        std::uint32_t at = 0;
+        std::uint32_t count = 0;
+    };
+    // One changed event, held by the record: its time, child list and
+    // parent list before (0) and after (1), each where it changed.
     struct Change
     {
         ECBase *event;
@@ -66,8 +74,8 @@ private:
         bool childrenChanged = false;
         bool parentsChanged = false;
         MCTime time[2];
-        std::vector<ECBase *> children[2];
-        std::vector<ECBase *> parents[2];
+        Range children[2];
+        Range parents[2];
     };
     struct Columns
     {
@@ -77,17 +85,21 @@ private:
         MCTime end;
     };
 
+    template <class Visit>
+    static void WalkDocument(ECPerformance *document, Visit &&visit);
     void Restore(bool after);
-    void Hold(ECBase *event);
+    Range Keep(const ECBase *const *members, std::size_t count);
+    Range Keep(ECBase::EventList *list);
+    void WriteList(ECBase::EventList &list, const Range &range);
     static void ReadColumns(ECPerformance *document, Columns &out);
     void WriteColumns(const Columns &columns);
 
     ECPerformance *m_pDocument = nullptr;
     std::unique_ptr<Snapshot> m_snapshot;
     std::vector<Change> m_changes;
+    std::vector<ECBase *> m_lists;
     Columns m_columns[2];
     bool m_columnsChanged = false;
     bool m_complete = false;
     bool m_undone = false;
-    std::vector<ECBase *> m_held;
 };

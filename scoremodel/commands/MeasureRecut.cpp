@@ -33,9 +33,16 @@ void ShiftFrom(ECPerformance *document, const MCTime &delta, const MCTime &from,
 void ScaleFlowControl(ECPerformance *document, const MCTime &start, const MCTime &end, float ratio,
                       const MCTime &shift)
 {
+    // The marks are children of the conductor staff, the only parent their
+    // class accepts: the search stays out of the staves.
+    ECConductor *conductor = document->GetConductor();
+    ECBase *score = conductor ? conductor->GetDescendant(EVENT_ID_CONDUCTOR_STAFF, 1) : nullptr;
+    if (!score)
+        return;
     ACFindEvents find(1);
     find.AddEvtType(EVENT_ID_FLOW_CONTROL);
-    find.Apply(document);
+    find.SetDepth(1);
+    find.Apply(score);
     for (POSITION pos = find.GetEvents().GetHeadPosition(); pos;)
     {
         MCTime *time = find.GetEvents().GetNext(pos)->GetTime();

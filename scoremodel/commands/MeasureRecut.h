@@ -24,7 +24,8 @@ ECConductorStaff *ConductorStaffOf(ECConductor *conductor);
 // stay, their children's move.
 void ShiftFrom(ECPerformance *document, const MCTime &delta, const MCTime &from, std::initializer_list<int> bypass);
 
-// Flow-control marks (repeats, codas) keep their place in the bars: one in
+// Flow-control marks (repeats, codas; children of the conductor staff) keep
+// their place in the bars: one in
 // the scope from `start` to `end` is scaled by `ratio` from `start`, one
 // behind it moves by `shift`.
 void ScaleFlowControl(ECPerformance *document, const MCTime &start, const MCTime &end, float ratio,

@@ -93,7 +93,7 @@ TEST_F(ConfigureRemoveTest, EachKindGoesWhereTheTableSays)
         {EVENT_ID_KEY, 0, 0, kKept, nullptr},
         {EVENT_ID_KEY, 4, 0, COMMAND_ID_REMOVE_KEY, nullptr},
         {EVENT_ID_METER, 0, 0, kKept, nullptr},
-        {EVENT_ID_METER, 4, 0, kKept, nullptr}, // left to the restructuring
+        {EVENT_ID_METER, 4, 0, COMMAND_ID_REMOVE_METER, nullptr},
         {EVENT_ID_DYNAMIC, 0, 0, COMMAND_ID_REMOVE_ENV_POINT, nullptr},
         {EVENT_ID_PEDAL, 4, 0, COMMAND_ID_REMOVE_ENV_POINT, nullptr},
         {EVENT_ID_TRANSPOSE, 4, 0, COMMAND_ID_REMOVE_ENV_POINT, nullptr},

@@ -257,7 +257,9 @@ protected:
     enum : BYTE
     {
         StateDying = 0x01,      // being destroyed: Unref never deletes again
-        StateRemoving = 0x02    // inside RemoveChildren: a cycle stops here
+        StateRemoving = 0x02,   // inside RemoveChildren: a cycle stops here
+        StateRecorded = 0x04,   // in the record of a running bar-structure command
+        StateVisited = 0x08     // passed by that command's walk of the tree
     };
 
     BYTE m_flags = 0;

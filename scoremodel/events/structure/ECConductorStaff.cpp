@@ -392,6 +392,29 @@ ECConductorMeasure *ECConductorStaff::GetConductorMeasureAtTime(MCTime &time, in
     if (m_measures.GetSize() == 0)
         return nullptr;
     ClampCursor();
+    // Near the cursor a walk is cheapest. Further away a binary search
+    // finds the same column (the last one at or before the time; the first
+    // for a time before it), since the columns stand in time order: a walk
+    // would make lookups that alternate between two distant places (a
+    // re-cut hands events to bars far from those it visits) cost the
+    // columns between each time.
+    constexpr int kNearby = 16;
+    const int cursor = m_nCurrentMeasure;
+    if ((cursor >= kNearby && time < *m_measures.GetAt(cursor - kNearby)->GetTime()) ||
+        (cursor + kNearby <= m_nMaxMeasure && time >= *m_measures.GetAt(cursor + kNearby)->GetTime()))
+    {
+        int low = 0, high = m_nMaxMeasure + 1; // the answer is the last index below `high` at or before the time
+        while (low < high)
+        {
+            const int middle = low + (high - low) / 2;
+            if (time >= *m_measures.GetAt(middle)->GetTime())
+                low = middle + 1;
+            else
+                high = middle;
+        }
+        m_nCurrentMeasure = low > 0 ? low - 1 : 0;
+        return m_measures.GetAt(m_nCurrentMeasure);
+    }
     bool back = false;
     while (time < *m_measures.GetAt(m_nCurrentMeasure)->GetTime())
     {
