@@ -8,6 +8,8 @@
 #include <scoremodel/events/structure/ECPerformance.h>
 
 #include <bit>
+#include <unordered_map>
+#include <unordered_set>
 #include <cstdint>
 
 namespace
@@ -18,6 +20,16 @@ bool SameTime(const MCTime &a, const MCTime &b)
 {
     return a.GetMode() == b.GetMode() &&
            std::bit_cast<std::uint32_t>(a.GetSeconds()) == std::bit_cast<std::uint32_t>(b.GetSeconds());
+}
+
+bool SameRows(ECBase *const *before, std::size_t count, const std::vector<ECBase *> &now)
+{
+    if (now.size() != count)
+        return false;
+    for (std::size_t i = 0; i < count; ++i)
+        if (before[i] != now[i])
+            return false;
+    return true;
 }
 
 bool SameList(ECBase::EventList *list, const ECBase *const *begin, std::size_t count)
@@ -48,6 +60,9 @@ struct MCStructureJournal::Snapshot
     };
     std::vector<Entry> entries;
     std::vector<ECBase *> pool;
+    // The rows of each column at Begin: max track and where they start in
+    // `pool` (max track + 1 of them).
+    std::unordered_map<ECBase *, std::pair<int, std::size_t>> rows;
 };
 
 // Every event under the document, each once (an event with several
@@ -94,12 +109,77 @@ void MCStructureJournal::Release()
             entry.event->Unref(1);
         }
     m_snapshot.reset();
+    UnlinkOutside();
     for (Change &change : m_changes)
         change.event->Unref(1);
     m_changes.clear();
+    for (Rows &rows : m_rows)
+        rows.column->Unref(1);
+    m_rows.clear();
     m_lists.clear();
     m_complete = false;
     m_undone = false;
+}
+
+bool MCStructureJournal::InDocument(ECBase *event, std::unordered_map<ECBase *, bool> &known) const
+{
+    // Up the parents. When the document is not found, everything met lies
+    // outside it too, and is known so from then on.
+    std::vector<ECBase *> stack{event};
+    std::unordered_set<ECBase *> met{event};
+    while (!stack.empty())
+    {
+        ECBase *e = stack.back();
+        stack.pop_back();
+        auto it = known.find(e);
+        if (e == m_pDocument || (it != known.end() && it->second))
+        {
+            known[event] = true;
+            return true;
+        }
+        if (it != known.end())
+            continue;
+        for (POSITION pos = e->GetParents()->GetHeadPosition(); pos;)
+            if (ECBase *parent = e->GetParents()->GetNext(pos); parent && met.insert(parent).second)
+                stack.push_back(parent);
+    }
+    for (ECBase *e : met)
+        known[e] = false;
+    return false;
+}
+
+void MCStructureJournal::UnlinkOutside()
+{
+    if (!m_complete || !m_pDocument)
+        return;
+    // What the record kept that stands outside the document now (bars a
+    // removal took out, with their notes; bars a redo would bring back)
+    // would keep each other alive for ever once the record lets go: a
+    // removed bar holds its notes and they hold it. Nothing can bring them
+    // back any more, so their links come apart on both ends.
+    std::unordered_map<ECBase *, bool> known;
+    std::vector<ECBase *> outside;
+    for (Change &change : m_changes)
+        if (!InDocument(change.event, known))
+            outside.push_back(change.event);
+    for (ECBase *event : outside)
+    {
+        if (ECBase::EventList *children = event->GetChildren())
+        {
+            for (POSITION pos = children->GetHeadPosition(); pos;)
+                if (ECBase *child = children->GetNext(pos))
+                    while (child->m_parents.RemoveEvent(event))
+                        ;
+            children->RemoveAll();
+            event->SetFlag(ECBase::FlagHasChildren, false);
+        }
+        for (POSITION pos = event->m_parents.GetHeadPosition(); pos;)
+            if (ECBase *parent = event->m_parents.GetNext(pos))
+                if (ECBase::EventList *siblings = parent->GetChildren())
+                    while (siblings->RemoveEvent(event))
+                        ;
+        event->m_parents.RemoveAll();
+    }
 }
 
 MCStructureJournal::Range MCStructureJournal::Keep(const ECBase *const *members, std::size_t count)
@@ -194,6 +274,47 @@ void MCStructureJournal::Begin(ECPerformance *document)
         event->m_state |= ECBase::StateRecorded;
     });
     ReadColumns(document, m_columns[0]);
+    for (ECBase *c : m_columns[0].measures)
+    {
+        auto *column = static_cast<ECConductorMeasure *>(c);
+        s.rows.emplace(column, std::make_pair(column->m_nMaxTrack, s.pool.size()));
+        for (int track = 0; track <= column->m_nMaxTrack; ++track)
+            s.pool.push_back(column->GetMeasures().GetAt(track));
+    }
+}
+
+void MCStructureJournal::RecordRows()
+{
+    Snapshot &s = *m_snapshot;
+    std::vector<ECBase *> columns = m_columns[0].measures;
+    columns.insert(columns.end(), m_columns[1].measures.begin(), m_columns[1].measures.end());
+    std::unordered_set<ECBase *> done;
+    for (ECBase *c : columns)
+    {
+        if (!done.insert(c).second)
+            continue;
+        auto *column = static_cast<ECConductorMeasure *>(c);
+        ECConductorMeasure::MeasureArray &now = column->GetMeasures();
+        const int maxTrack = column->m_nMaxTrack;
+        auto it = s.rows.find(column);
+        Rows rows{column, {maxTrack, maxTrack}, {}};
+        std::vector<ECBase *> current;
+        for (int track = 0; track <= maxTrack && track < now.GetSize(); ++track)
+            current.push_back(now.GetAt(track));
+        rows.rows[1] = Keep(current.data(), current.size());
+        if (it == s.rows.end())
+            rows.rows[0] = rows.rows[1]; // made by the command: outside the score before it
+        else
+        {
+            rows.maxTrack[0] = it->second.first;
+            const std::size_t count = static_cast<std::size_t>(it->second.first + 1);
+            if (rows.maxTrack[0] == maxTrack && SameRows(s.pool.data() + it->second.second, count, current))
+                continue;
+            rows.rows[0] = Keep(s.pool.data() + it->second.second, count);
+        }
+        column->Ref();
+        m_rows.push_back(rows);
+    }
 }
 
 void MCStructureJournal::End()
@@ -255,6 +376,7 @@ void MCStructureJournal::End()
             compare(event, nullptr);
     });
     ReadColumns(m_pDocument, m_columns[1]);
+    RecordRows();
     m_columnsChanged = m_columns[0].measures != m_columns[1].measures ||
                        m_columns[0].maxMeasure != m_columns[1].maxMeasure ||
                        m_columns[0].cursor != m_columns[1].cursor ||
@@ -298,6 +420,15 @@ void MCStructureJournal::Restore(bool after)
     }
     if (m_columnsChanged)
         WriteColumns(m_columns[side]);
+    for (Rows &rows : m_rows)
+    {
+        auto *column = static_cast<ECConductorMeasure *>(rows.column);
+        ECConductorMeasure::MeasureArray &array = column->GetMeasures();
+        array.RemoveAll();
+        for (std::uint32_t i = 0; i < rows.rows[side].count; ++i)
+            array.Add(static_cast<ECMeasure *>(m_lists[rows.rows[side].at + i]));
+        column->m_nMaxTrack = rows.maxTrack[side];
+    }
     // Derived data, from the tree as it now stands.
     if (ECConductor *conductor = m_pDocument->GetConductor())
         if (auto *staff =

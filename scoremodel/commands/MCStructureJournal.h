@@ -29,6 +29,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 class ECPerformance;
@@ -77,6 +78,14 @@ private:
         Range children[2];
         Range parents[2];
     };
+    // The rows of a column (the measure of each staff) before and after,
+    // for a column whose rows changed (a removal empties them).
+    struct Rows
+    {
+        ECBase *column;
+        int maxTrack[2];
+        Range rows[2];
+    };
     struct Columns
     {
         std::vector<ECBase *> measures;
@@ -88,17 +97,21 @@ private:
     template <class Visit>
     static void WalkDocument(ECPerformance *document, Visit &&visit);
     void Restore(bool after);
+    bool InDocument(ECBase *event, std::unordered_map<ECBase *, bool> &known) const;
+    void UnlinkOutside();
     Range Keep(const ECBase *const *members, std::size_t count);
     Range Keep(ECBase::EventList *list);
     void WriteList(ECBase::EventList &list, const Range &range);
     static void ReadColumns(ECPerformance *document, Columns &out);
     void WriteColumns(const Columns &columns);
+    void RecordRows();
 
     ECPerformance *m_pDocument = nullptr;
     std::unique_ptr<Snapshot> m_snapshot;
     std::vector<Change> m_changes;
     std::vector<ECBase *> m_lists;
     Columns m_columns[2];
+    std::vector<Rows> m_rows;
     bool m_columnsChanged = false;
     bool m_complete = false;
     bool m_undone = false;

@@ -116,6 +116,9 @@ int ApplyNested(CCBase *command, ECPerformance *document)
 
 float BarLength(ECMeter *meter)
 {
-    return meter ? meter->GetMeasureLength() : 4.0f;
+    // As the score appends bars: a meter whose length wraps to zero (64/1)
+    // counts as 4/4, so that bars always advance.
+    const float length = meter ? meter->GetMeasureLength() : 0.0f;
+    return length > 0.0f ? length : 4.0f;
 }
 } // namespace measure_recut

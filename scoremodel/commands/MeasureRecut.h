@@ -49,6 +49,7 @@ void RefreshEnvelopes(ECPerformance *document);
 // the caller's to Unref (it holds one reference on return).
 int ApplyNested(CCBase *command, ECPerformance *document);
 
-// Bar length of a meter in quarter notes (4.0 without one).
+// Bar length of a meter in quarter notes; 4.0 without one, or for one whose
+// length wraps to zero.
 float BarLength(ECMeter *meter);
 } // namespace measure_recut

@@ -2,6 +2,7 @@
 // the bar that covers it, the score's matrix whole, and undo and redo giving
 // back exactly the tree before and after (the same objects, times and
 // order), also for random sequences of edits.
+#include "ScoreChecks.h"
 #include "events/structure/TrackTestSupport.h"
 
 #include <scoremodel/commands/CCAddMeasure.h>
@@ -19,33 +20,14 @@
 #include <scoremodel/events/structure/ECConductorMeasure.h>
 #include <scoremodel/events/structure/ECMeasure.h>
 
-#include <bit>
-#include <cmath>
 #include <random>
 #include <string>
-#include <tuple>
-#include <unordered_set>
+
+using score_checks::Members;
+using score_checks::TreeShape;
 
 namespace
 {
-// Every event under the document in walk order: itself, its time's bits,
-// its children and its parents; then the columns of the score.
-struct TreeShape
-{
-    std::vector<std::tuple<ECBase *, std::uint32_t, std::vector<ECBase *>, std::vector<ECBase *>>> events;
-    std::vector<ECBase *> columns;
-    bool operator==(const TreeShape &) const = default;
-};
-
-std::vector<ECBase *> Members(ECBase::EventList *list)
-{
-    std::vector<ECBase *> out;
-    if (list)
-        for (POSITION pos = list->GetHeadPosition(); pos;)
-            out.push_back(list->GetNext(pos));
-    return out;
-}
-
 float Seconds(ECBase *event)
 {
     return event->GetTime()->GetSeconds();
@@ -125,30 +107,7 @@ protected:
         return done;
     }
 
-    TreeShape Shape()
-    {
-        TreeShape shape;
-        std::unordered_set<ECBase *> seen;
-        std::vector<ECBase *> stack{m_doc};
-        while (!stack.empty())
-        {
-            ECBase *e = stack.back();
-            stack.pop_back();
-            if (!seen.insert(e).second)
-                continue;
-            MCTime *time = e->GetTime();
-            shape.events.emplace_back(e, time ? std::bit_cast<std::uint32_t>(time->GetSeconds()) : 0u,
-                                      Members(e->GetChildren()), Members(e->GetParents()));
-            for (int i = 0; ECBase *member = e->GetMemberEvent(i); ++i)
-                stack.push_back(member);
-            std::vector<ECBase *> children = Members(e->GetChildren());
-            stack.insert(stack.end(), children.rbegin(), children.rend());
-        }
-        ECConductorStaff::MeasureArray &columns = Score()->GetConductorMeasures();
-        for (int i = 0; i < columns.GetSize(); ++i)
-            shape.columns.push_back(columns.GetAt(i));
-        return shape;
-    }
+    TreeShape Shape() { return score_checks::ShapeOf(m_doc); }
 
     std::vector<ECMeter *> Meters()
     {
@@ -167,47 +126,7 @@ protected:
         return times;
     }
 
-    // The matrix is whole, the columns follow each other bar by bar under
-    // the meter in force, and every event of a staff lies in the bar that
-    // covers its time on that staff.
-    void ExpectWhole(const std::string &where)
-    {
-        SCOPED_TRACE(where);
-        ECConductorStaff *score = Score();
-        ECConductorStaff::MeasureArray &columns = score->GetConductorMeasures();
-        ASSERT_EQ(columns.GetSize(), score->GetMaxMeasureNumber() + 1);
-        ASSERT_GT(columns.GetSize(), 0);
-        for (int i = 0; i < columns.GetSize(); ++i)
-        {
-            ECConductorMeasure *column = columns.GetAt(i);
-            MCTime at = *column->GetTime();
-            const float length = m_conductor->GetMeterAtTime(at)->GetMeasureLength();
-            const float next = i + 1 < columns.GetSize() ? Seconds(columns.GetAt(i + 1))
-                                                         : score->GetMaxMeasureEndTime().GetSeconds();
-            EXPECT_NEAR(next, at.GetSeconds() + length, 1e-3) << "bar " << i + 1;
-            for (int track = 0; track <= score->GetMaxStaffNumber(); ++track)
-            {
-                ECMeasure *row = column->GetMeasureOnTrack(track);
-                ASSERT_NE(row, nullptr);
-                EXPECT_EQ(Seconds(row), at.GetSeconds());
-            }
-        }
-        for (int track = 1; track <= score->GetMaxStaffNumber(); ++track)
-        {
-            ECTrack *staff = m_conductor->GetTrack(ECConductor::TrackStaff, track, 0);
-            int measures = 0;
-            for (ECBase *measure : Members(staff->GetChildren()))
-            {
-                if (measure->GetEventId() != EVENT_ID_MEASURE)
-                    continue;
-                ++measures;
-                for (ECBase *event : Members(measure->GetChildren()))
-                    EXPECT_EQ(m_conductor->GetMeasure(track, *event->GetTime(), 0, 1), measure)
-                        << "an event at " << Seconds(event) << " on staff " << track;
-            }
-            EXPECT_EQ(measures, columns.GetSize()) << "staff " << track;
-        }
-    }
+    void ExpectWhole(const std::string &where) { EXPECT_EQ(score_checks::CheckWhole(m_conductor), "") << where; }
 
     // Undo gives back `before` exactly, redo `after`, and the step ends done.
     void ExpectUndoRedo(const TreeShape &before, const TreeShape &after, const std::string &where)

@@ -64,6 +64,7 @@ public:
 
 protected:
     friend class ECConductorStaff;
+    friend class MCStructureJournal;
 
     ~ECConductorMeasure() override;
 
