@@ -228,6 +228,19 @@ TEST_F(MeasureCommands, TheFirstMeterStaysAndAnotherGoesWithItsBarsReCut)
     for (size_t i = 0; i < times.size(); ++i)
         EXPECT_FLOAT_EQ(times[i], 4.0f * static_cast<float>(i));
     ExpectUndoRedo(before, Shape(), "remove meter");
+
+    // A meter whose removal leaves the next one repeating the previous one
+    // takes that one along, in the same step.
+    ASSERT_TRUE(Step(new CCAddMeter(Meter(3, 4, 8.0f), nullptr)));
+    ASSERT_TRUE(Step(new CCAddMeter(Meter(4, 4, ColumnTimes()[4]), nullptr)));
+    ASSERT_EQ(Meters().size(), 3u);
+    const TreeShape three = Shape();
+    const int steps = m_doc->GetUndoCount();
+    ASSERT_TRUE(Step(new CCRemoveMeter(Meters()[1])));
+    ExpectWhole("both gone");
+    EXPECT_EQ(Meters().size(), 1u);
+    EXPECT_EQ(m_doc->GetUndoCount(), steps + 1) << "the nested removal joined no step of its own";
+    ExpectUndoRedo(three, Shape(), "remove meter and the redundant one");
 }
 
 TEST_F(MeasureCommands, InsertedBarsMoveTheMusicAndLeaveTheStartOfTheScoreInPlace)
@@ -274,6 +287,20 @@ TEST_F(MeasureCommands, RemovedBarsTakeWhatTheyHoldAndTheScoreKeepsOne)
     for (size_t i = 0; i < times.size(); ++i)
         EXPECT_FLOAT_EQ(times[i], 4.0f * static_cast<float>(i));
     ExpectUndoRedo(before, Shape(), "remove bars");
+
+    // Behind a pickup bar, index 0 names the first full bar.
+    Meters()[0]->SetPickupRole(2);
+    const std::vector<float> columns = ColumnTimes();
+    ECBase *pickup = Score()->GetConductorMeasures().GetAt(0);
+    ECBase *second = Score()->GetConductorMeasures().GetAt(2);
+    const TreeShape withPickup = Shape();
+    ASSERT_TRUE(Step(new CCRemoveMeasure(1, 0)));
+    ExpectWhole("the first full bar out");
+    EXPECT_EQ(Score()->GetConductorMeasures().GetAt(0), pickup);
+    EXPECT_EQ(Score()->GetConductorMeasures().GetAt(1), second);
+    EXPECT_EQ(ColumnTimes().size(), columns.size() - 1);
+    ExpectUndoRedo(withPickup, Shape(), "remove behind a pickup");
+    Meters()[0]->SetPickupRole(0);
 
     ASSERT_TRUE(Step(new CCRemoveMeasure(1000, 0)));
     ExpectWhole("all but one");
