@@ -2,7 +2,6 @@
 
 #include <scoremodel/actions/ACFindTime.h>
 #include <scoremodel/commands/CCAddRemoveItems.h>
-#include <scoremodel/commands/MCStructureJournal.h>
 #include <scoremodel/commands/MeasureRecut.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/envelopes/ECEnvPoint.h>
@@ -37,7 +36,7 @@ int CCAddMeasure::Prepare()
 {
     if (!CCAdd::Prepare())
         return 0;
-    if (m_journal && m_journal->IsUndone())
+    if (IsRedo(m_journal))
         return 1;
     m_pConductorStaff = ConductorStaffOf(GetConductor());
     if (!m_pConductorStaff || m_nInsertCount < 0)
@@ -103,22 +102,10 @@ int CCAddMeasure::Process()
 {
     if (!CCBase::Process())
         return 0;
-    if (m_journal && m_journal->IsUndone())
-    {
-        m_journal->RestoreAfter();
-        return 1;
-    }
-    const bool record = IsRecordUndo();
-    if (record)
-    {
-        if (!m_journal)
-            m_journal = std::make_unique<MCStructureJournal>();
-        m_journal->Begin(GetTarget());
-    }
-    DoAdd();
-    m_pConductorStaff->RebuildStaffCaches();
-    if (record)
-        m_journal->End();
+    RunRecorded(this, m_journal, [this] {
+        DoAdd();
+        m_pConductorStaff->RebuildStaffCaches();
+    });
     return 1;
 }
 
@@ -202,6 +189,5 @@ void CCAddMeasure::DoAdd()
 
 void CCAddMeasure::Undo()
 {
-    if (m_journal && m_journal->IsComplete())
-        m_journal->RestoreBefore();
+    UndoRecorded(m_journal);
 }

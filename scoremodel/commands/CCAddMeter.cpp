@@ -1,9 +1,6 @@
 #include <scoremodel/commands/CCAddMeter.h>
 
-#include <scoremodel/commands/CCAdjustMeasureChildren.h>
 #include <scoremodel/commands/CCAddRemoveItems.h>
-#include <scoremodel/commands/CCRemoveMeter.h>
-#include <scoremodel/commands/MCStructureJournal.h>
 #include <scoremodel/commands/MeasureRecut.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/signatures/ECMeter.h>
@@ -59,27 +56,24 @@ CCMeterInfo *CCAddMeter::GetMeterInfo(int i)
 
 ECMeter *CCAddMeter::GetMeter(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetMeter() : nullptr;
+    return CCMeterInfo::MeterOf(GetMeterInfo(i));
 }
 
 MCTime CCAddMeter::GetMeterTime(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetTime() : MCTime::TimeNull();
+    return CCMeterInfo::TimeOf(GetMeterInfo(i));
 }
 
 MCTime CCAddMeter::GetMeterDuration(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetDuration() : MCTime::TimeNull();
+    return CCMeterInfo::DurationOf(GetMeterInfo(i));
 }
 
 int CCAddMeter::Prepare()
 {
     if (!CCAdd::Prepare())
         return 0;
-    if (m_journal && m_journal->IsUndone())
+    if (IsRedo(m_journal))
         return 1; // a redo replays the record
     m_pConductorStaff = ConductorStaffOf(GetConductor());
     if (!m_pNewInfo || !m_pConductorStaff)
@@ -93,17 +87,10 @@ int CCAddMeter::Prepare()
     if (!old)
         return 1;
     m_pOldInfo = new CCMeterInfo(old, *old->GetTime(), MCTime(BarLength(old)));
-    if (ECMeterEnv *env = m_pConductorStaff->FindMeterEnv())
+    if (ECMeter *next = NextMeter(m_pConductorStaff, old); next && next != meter)
     {
-        POSITION pos = env->GetChildren()->Find(old);
-        if (pos)
-            env->GetChildren()->GetNext(pos);
-        if (pos)
-            if (auto *next = static_cast<ECMeter *>(env->GetChildren()->GetAt(pos)); next && next != meter)
-            {
-                m_pNextInfo = new CCMeterInfo(next, *next->GetTime(), MCTime(BarLength(next)));
-                m_pNextInfo->SetRemove(ShouldCheckRedundance() && *next == *meter);
-            }
+        m_pNextInfo = new CCMeterInfo(next, *next->GetTime(), MCTime(BarLength(next)));
+        m_pNextInfo->SetRemove(ShouldCheckRedundance() && *next == *meter);
     }
     if (m_pNewInfo->GetTime() == m_pOldInfo->GetTime())
         m_pOldInfo->SetRemove(1);
@@ -114,27 +101,11 @@ int CCAddMeter::Process()
 {
     if (!CCBase::Process())
         return 0;
-    if (m_journal && m_journal->IsUndone())
-    {
-        m_journal->RestoreAfter();
-        return 1;
-    }
-    const bool record = IsRecordUndo();
-    if (record)
-    {
-        if (!m_journal)
-            m_journal = std::make_unique<MCStructureJournal>();
-        m_journal->Begin(GetTarget());
-    }
-    DoAddMeter();
-    if (m_pNextInfo && m_pNextInfo->ShouldRemove() && !m_pNextInfo->GetMeter()->GetParents()->IsEmpty())
-    {
-        CCRemoveMeter *remove = new CCRemoveMeter(m_pNextInfo->GetMeter());
-        ApplyNested(remove, GetTarget());
-        remove->Unref(1);
-    }
-    if (record)
-        m_journal->End();
+    RunRecorded(this, m_journal, [this] {
+        DoAddMeter();
+        if (m_pNextInfo && m_pNextInfo->ShouldRemove())
+            RemoveRedundantMeter(m_pNextInfo->GetMeter(), GetTarget());
+    });
     return 1;
 }
 
@@ -191,19 +162,12 @@ void CCAddMeter::DoAddMeter()
     // Tempo points behind the scope moved: their clock times follow.
     RefreshEnvelopes(document);
 
-    auto *adjust = new CCAdjustMeasureChildren;
-    adjust->SetTimeRange(start, end);
-    adjust->SetReverse(newLength > oldLength);
-    ApplyNested(adjust, document);
-    m_nMeasureInsertLocation = adjust->GetMeasureInsertLocation();
-    m_nMeasureInsertCount = adjust->GetMeasureInsertCount();
-    adjust->Unref(1);
+    AdjustChildren(document, start, end, newLength > oldLength, m_nMeasureInsertLocation, m_nMeasureInsertCount);
 }
 
 void CCAddMeter::Undo()
 {
-    if (m_journal && m_journal->IsComplete())
-        m_journal->RestoreBefore();
+    UndoRecorded(m_journal);
     // A redo replays the record; a fresh run takes the infos afresh.
     DeleteInfos();
 }

@@ -24,6 +24,11 @@ public:
     int ShouldRemove() const { return m_bRemove; }
     void SetRemove(int remove) { m_bRemove = remove; }
 
+    // The same through a pointer that may be null: null and TimeNull then.
+    static ECMeter *MeterOf(const CCMeterInfo *info) { return info ? info->m_pMeter : nullptr; }
+    static MCTime TimeOf(const CCMeterInfo *info) { return info ? info->m_time : MCTime::TimeNull(); }
+    static MCTime DurationOf(const CCMeterInfo *info) { return info ? info->m_duration : MCTime::TimeNull(); }
+
 private:
     ECMeter *m_pMeter;
     MCTime m_time;

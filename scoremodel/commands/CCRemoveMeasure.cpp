@@ -3,8 +3,6 @@
 #include <scoremodel/actions/ACFindTime.h>
 #include <scoremodel/commands/CCAddMeter.h>
 #include <scoremodel/commands/CCAddRemoveItems.h>
-#include <scoremodel/commands/CCRemoveMeter.h>
-#include <scoremodel/commands/MCStructureJournal.h>
 #include <scoremodel/commands/MeasureRecut.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/envelopes/ECEnvelope.h>
@@ -88,7 +86,7 @@ int CCRemoveMeasure::Prepare()
 {
     if (!CCRemove::Prepare())
         return 0;
-    if (m_journal && m_journal->IsUndone())
+    if (IsRedo(m_journal))
         return 1;
     m_pConductorStaff = ConductorStaffOf(GetConductor());
     if (!m_pConductorStaff)
@@ -111,27 +109,14 @@ int CCRemoveMeasure::Process()
 {
     if (!CCBase::Process())
         return 0;
-    if (m_journal && m_journal->IsUndone())
-    {
-        m_journal->RestoreAfter();
-        return 1;
-    }
-    const bool record = IsRecordUndo();
-    if (record)
-    {
-        if (!m_journal)
-            m_journal = std::make_unique<MCStructureJournal>();
-        m_journal->Begin(GetTarget());
-    }
-    if (m_nRemoveCount > 0)
-    {
+    RunRecorded(this, m_journal, [this] {
+        if (m_nRemoveCount <= 0)
+            return;
         CheckMeterAdd();
         PrepareRemoveMeasure();
         DoRemoveMeasure();
         CheckMeterRemove();
-    }
-    if (record)
-        m_journal->End();
+    });
     return 1;
 }
 
@@ -329,18 +314,12 @@ void CCRemoveMeasure::CheckMeterRemove()
 {
     if (!m_pAddedMeter)
         return;
-    if (!m_pAddedMeter->GetParents()->IsEmpty())
-    {
-        auto *remove = new CCRemoveMeter(m_pAddedMeter);
-        ApplyNested(remove, GetTarget());
-        remove->Unref(1);
-    }
+    RemoveRedundantMeter(m_pAddedMeter, GetTarget());
     m_pAddedMeter->Unref(1);
     m_pAddedMeter = nullptr;
 }
 
 void CCRemoveMeasure::Undo()
 {
-    if (m_journal && m_journal->IsComplete())
-        m_journal->RestoreBefore();
+    UndoRecorded(m_journal);
 }

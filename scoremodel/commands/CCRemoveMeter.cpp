@@ -1,8 +1,6 @@
 #include <scoremodel/commands/CCRemoveMeter.h>
 
 #include <scoremodel/commands/CCAddRemoveItems.h>
-#include <scoremodel/commands/CCAdjustMeasureChildren.h>
-#include <scoremodel/commands/MCStructureJournal.h>
 #include <scoremodel/commands/MeasureRecut.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/signatures/ECMeter.h>
@@ -61,27 +59,24 @@ CCMeterInfo *CCRemoveMeter::GetMeterInfo(int i)
 
 ECMeter *CCRemoveMeter::GetMeter(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetMeter() : nullptr;
+    return CCMeterInfo::MeterOf(GetMeterInfo(i));
 }
 
 MCTime CCRemoveMeter::GetMeterTime(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetTime() : MCTime::TimeNull();
+    return CCMeterInfo::TimeOf(GetMeterInfo(i));
 }
 
 MCTime CCRemoveMeter::GetMeterDuration(int i)
 {
-    CCMeterInfo *info = GetMeterInfo(i);
-    return info ? info->GetDuration() : MCTime::TimeNull();
+    return CCMeterInfo::DurationOf(GetMeterInfo(i));
 }
 
 int CCRemoveMeter::Prepare()
 {
     if (!CCRemove::Prepare())
         return 0;
-    if (m_journal && m_journal->IsUndone())
+    if (IsRedo(m_journal))
         return 1;
     m_pConductorStaff = ConductorStaffOf(GetConductor());
     if (!m_pRemovedInfo || !m_pConductorStaff)
@@ -93,17 +88,10 @@ int CCRemoveMeter::Prepare()
     if (!previous || previous == removed)
         return 0; // the first meter stays
     m_pPreviousInfo = new CCMeterInfo(previous, *previous->GetTime(), MCTime(BarLength(previous)));
-    if (ECMeterEnv *env = m_pConductorStaff->FindMeterEnv())
+    if (ECMeter *next = NextMeter(m_pConductorStaff, removed))
     {
-        POSITION pos = env->GetChildren()->Find(removed);
-        if (pos)
-            env->GetChildren()->GetNext(pos);
-        if (pos)
-            if (auto *next = static_cast<ECMeter *>(env->GetChildren()->GetAt(pos)))
-            {
-                m_pNextInfo = new CCMeterInfo(next, *next->GetTime(), MCTime(BarLength(next)));
-                m_pNextInfo->SetRemove(ShouldCheckRedundance() && *next == *previous);
-            }
+        m_pNextInfo = new CCMeterInfo(next, *next->GetTime(), MCTime(BarLength(next)));
+        m_pNextInfo->SetRemove(ShouldCheckRedundance() && *next == *previous);
     }
     return 1;
 }
@@ -112,28 +100,12 @@ int CCRemoveMeter::Process()
 {
     if (!CCBase::Process())
         return 0;
-    if (m_journal && m_journal->IsUndone())
-    {
-        m_journal->RestoreAfter();
-        return 1;
-    }
-    const bool record = IsRecordUndo();
-    if (record)
-    {
-        if (!m_journal)
-            m_journal = std::make_unique<MCStructureJournal>();
-        m_journal->Begin(GetTarget());
-    }
-    DoRemoveMeter();
-    DoRemove(); // the mirrors; the meter is out already
-    if (m_pNextInfo && m_pNextInfo->ShouldRemove() && !m_pNextInfo->GetMeter()->GetParents()->IsEmpty())
-    {
-        CCRemoveMeter *remove = new CCRemoveMeter(m_pNextInfo->GetMeter());
-        ApplyNested(remove, GetTarget());
-        remove->Unref(1);
-    }
-    if (record)
-        m_journal->End();
+    RunRecorded(this, m_journal, [this] {
+        DoRemoveMeter();
+        DoRemove(); // the mirrors; the meter is out already
+        if (m_pNextInfo && m_pNextInfo->ShouldRemove())
+            RemoveRedundantMeter(m_pNextInfo->GetMeter(), GetTarget());
+    });
     return 1;
 }
 
@@ -169,18 +141,11 @@ void CCRemoveMeter::DoRemoveMeter()
     SortTracks(conductor);
     RefreshEnvelopes(document);
 
-    auto *adjust = new CCAdjustMeasureChildren;
-    adjust->SetTimeRange(start, end);
-    adjust->SetReverse(newLength > oldLength);
-    ApplyNested(adjust, document);
-    m_nMeasureInsertLocation = adjust->GetMeasureInsertLocation();
-    m_nMeasureInsertCount = adjust->GetMeasureInsertCount();
-    adjust->Unref(1);
+    AdjustChildren(document, start, end, newLength > oldLength, m_nMeasureInsertLocation, m_nMeasureInsertCount);
 }
 
 void CCRemoveMeter::Undo()
 {
-    if (m_journal && m_journal->IsComplete())
-        m_journal->RestoreBefore();
+    UndoRecorded(m_journal);
     DeleteInfos();
 }

@@ -3,7 +3,10 @@
 #include <scoremodel/actions/ACDeltaTime.h>
 #include <scoremodel/actions/ACFindEvents.h>
 #include <scoremodel/actions/ACSortChildren.h>
+#include <scoremodel/commands/CCAdjustMeasureChildren.h>
 #include <scoremodel/commands/CCBase.h>
+#include <scoremodel/commands/CCRemoveMeter.h>
+#include <scoremodel/events/signatures/ECMeterEnv.h>
 #include <scoremodel/events/base/EventIds.h>
 #include <scoremodel/events/envelopes/ECEnvelope.h>
 #include <scoremodel/events/signatures/ECMeter.h>
@@ -112,6 +115,36 @@ int ApplyNested(CCBase *command, ECPerformance *document)
     command->SetSynchronous(1);
     command->SetCanUndo(0);
     return command->Apply(document);
+}
+
+ECMeter *NextMeter(ECConductorStaff *score, ECMeter *meter)
+{
+    ECMeterEnv *env = score ? score->FindMeterEnv() : nullptr;
+    POSITION pos = env ? env->GetChildren()->Find(meter) : nullptr;
+    if (pos)
+        env->GetChildren()->GetNext(pos);
+    return pos ? static_cast<ECMeter *>(env->GetChildren()->GetAt(pos)) : nullptr;
+}
+
+void AdjustChildren(ECPerformance *document, const MCTime &start, const MCTime &end, bool reverse, int &location,
+                    int &count)
+{
+    auto *adjust = new CCAdjustMeasureChildren;
+    adjust->SetTimeRange(start, end);
+    adjust->SetReverse(reverse);
+    ApplyNested(adjust, document);
+    location = adjust->GetMeasureInsertLocation();
+    count = adjust->GetMeasureInsertCount();
+    adjust->Unref(1);
+}
+
+void RemoveRedundantMeter(ECMeter *meter, ECPerformance *document)
+{
+    if (!meter || meter->GetParents()->IsEmpty())
+        return;
+    auto *remove = new CCRemoveMeter(meter);
+    ApplyNested(remove, document);
+    remove->Unref(1);
 }
 
 float BarLength(ECMeter *meter)

@@ -2,12 +2,14 @@
 // Internal to the library.
 #pragma once
 
+#include <scoremodel/commands/CCBase.h>
+#include <scoremodel/commands/MCStructureJournal.h>
 #include <scoremodel/core/MCTime.h>
 #include <scoremodel/events/base/ECBase.h>
 
 #include <initializer_list>
+#include <memory>
 
-class CCBase;
 class ECConductor;
 class ECConductorStaff;
 class ECMeter;
@@ -48,6 +50,55 @@ void RefreshEnvelopes(ECPerformance *document);
 // redo replay the caller alone. Returns the Apply result; the command is
 // the caller's to Unref (it holds one reference on return).
 int ApplyNested(CCBase *command, ECPerformance *document);
+
+// The meter after `meter` in the score's meter envelope; null for none.
+ECMeter *NextMeter(ECConductorStaff *score, ECMeter *meter);
+
+// Hands every event from `start` to `end` to the bar that covers it
+// (CCAdjustMeasureChildren, nested), and returns where bars were appended
+// and how many (-1 and 0 for none).
+void AdjustChildren(ECPerformance *document, const MCTime &start, const MCTime &end, bool reverse, int &location,
+                    int &count);
+
+// Removes a meter that repeats the one before it (CCRemoveMeter, nested),
+// when it still stands in the score.
+void RemoveRedundantMeter(ECMeter *meter, ECPerformance *document);
+
+// The road of a bar-structure command's Process after the base's: a redo
+// (the record undone) puts the tree after back; otherwise `work` runs,
+// recorded when the command is a step of its own.
+template <class Work>
+void RunRecorded(CCBase *command, std::unique_ptr<MCStructureJournal> &journal, Work &&work)
+{
+    if (journal && journal->IsUndone())
+    {
+        journal->RestoreAfter();
+        return;
+    }
+    const bool record = command->IsRecordUndo();
+    if (record)
+    {
+        if (!journal)
+            journal = std::make_unique<MCStructureJournal>();
+        journal->Begin(command->GetTarget());
+    }
+    work();
+    if (record)
+        journal->End();
+}
+
+// 1 when the command's next run is a redo.
+inline int IsRedo(const std::unique_ptr<MCStructureJournal> &journal)
+{
+    return journal && journal->IsUndone();
+}
+
+// The undo of a recorded command: the tree before it.
+inline void UndoRecorded(const std::unique_ptr<MCStructureJournal> &journal)
+{
+    if (journal && journal->IsComplete())
+        journal->RestoreBefore();
+}
 
 // Bar length of a meter in quarter notes; 4.0 without one, or for one whose
 // length wraps to zero.
