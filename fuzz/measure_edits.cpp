@@ -91,18 +91,6 @@ ECPerformance *Build()
     return doc;
 }
 
-bool Step(ECPerformance *doc, CCBase *command, int number)
-{
-    command->Ref();
-    command->SetSynchronous(1);
-    CString name((L"edit " + std::to_wstring(number)).c_str());
-    MCCommandMgr::BeginUndo(doc, name);
-    command->Apply(doc);
-    MCCommandMgr::EndUndo(doc);
-    const bool done = command->GetCommandPhase() == CCBase::PhaseFinish;
-    command->Unref(1);
-    return done;
-}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -164,7 +152,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             break;
         }
         const score_checks::TreeShape before = score_checks::ShapeOf(doc);
-        if (!Step(doc, command, step))
+        if (!score_checks::RunStep(doc, command, L"edit " + std::to_wstring(step)))
             Fail("a command did not finish");
         const std::string problem = score_checks::CheckWhole(conductor);
         if (!problem.empty())

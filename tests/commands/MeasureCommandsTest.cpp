@@ -93,18 +93,9 @@ protected:
         return note;
     }
 
-    // Runs `command` synchronously in an undo step of its own.
     bool Step(CCBase *command)
     {
-        command->Ref();
-        command->SetSynchronous(1);
-        CString name((L"edit " + std::to_wstring(++m_steps)).c_str());
-        MCCommandMgr::BeginUndo(m_doc, name);
-        command->Apply(m_doc);
-        MCCommandMgr::EndUndo(m_doc);
-        const bool done = command->GetCommandPhase() == CCBase::PhaseFinish;
-        command->Unref(1);
-        return done;
+        return score_checks::RunStep(m_doc, command, L"edit " + std::to_wstring(++m_steps));
     }
 
     TreeShape Shape() { return score_checks::ShapeOf(m_doc); }

@@ -4,6 +4,8 @@
 // covers it.
 #pragma once
 
+#include <scoremodel/commands/CCBase.h>
+#include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/events/signatures/ECMeter.h>
 #include <scoremodel/events/structure/ECConductor.h>
 #include <scoremodel/events/structure/ECConductorMeasure.h>
@@ -39,6 +41,21 @@ struct TreeShape
     std::vector<std::vector<ECBase *>> columns;
     bool operator==(const TreeShape &) const = default;
 };
+
+// Runs `command` synchronously in an undo step of its own named `name`;
+// whether it got through.
+inline bool RunStep(ECPerformance *doc, CCBase *command, const std::wstring &name)
+{
+    command->Ref();
+    command->SetSynchronous(1);
+    CString title(name.c_str());
+    MCCommandMgr::BeginUndo(doc, title);
+    command->Apply(doc);
+    MCCommandMgr::EndUndo(doc);
+    const bool done = command->GetCommandPhase() == CCBase::PhaseFinish;
+    command->Unref(1);
+    return done;
+}
 
 inline std::vector<ECBase *> RowsOf(ECConductorMeasure *column)
 {
