@@ -367,14 +367,38 @@ void MCStructureJournal::End()
             m_changes.push_back(std::move(change));
         }
     };
-    // Each recorded event, in the tree or taken out of it; then those the
-    // command made.
+    // Each recorded event, in the tree or taken out of it. Then those the
+    // command made: each is linked to an event whose lists changed (it
+    // gained the new one), so they are found in the changed lists, without
+    // a second walk of the tree.
     for (const Snapshot::Entry &entry : s.entries)
         compare(entry.event, &entry);
-    WalkDocument(m_pDocument, [&](ECBase *event) {
-        if (!(event->m_state & ECBase::StateRecorded))
-            compare(event, nullptr);
-    });
+    std::vector<ECBase *> made;
+    auto visitNew = [&](const Range &range) {
+        for (std::uint32_t i = 0; i < range.count; ++i)
+            if (ECBase *e = m_lists[range.at + i];
+                e && !(e->m_state & (ECBase::StateRecorded | ECBase::StateVisited)))
+            {
+                e->m_state |= ECBase::StateVisited;
+                made.push_back(e);
+            }
+    };
+    for (std::size_t i = 0, seen = 0; i < m_changes.size() || seen < made.size();)
+    {
+        if (i < m_changes.size())
+        {
+            // Copies: visitNew reads m_lists, which compare may grow.
+            const Range children = m_changes[i].children[1];
+            const Range parents = m_changes[i].parents[1];
+            ++i;
+            visitNew(children);
+            visitNew(parents);
+        }
+        else
+            compare(made[seen++], nullptr);
+    }
+    for (ECBase *e : made)
+        e->m_state &= static_cast<BYTE>(~ECBase::StateVisited);
     ReadColumns(m_pDocument, m_columns[1]);
     RecordRows();
     m_columnsChanged = m_columns[0].measures != m_columns[1].measures ||
