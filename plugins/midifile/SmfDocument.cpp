@@ -282,17 +282,18 @@ private:
             last = std::max(last, track.endTick);
         const int rows = m_cs->GetMaxStaffNumber() + 1;
         const double end = static_cast<double>(last) / m_file.division;
+        const double bars = EstimateBars(end);
+        if (bars > kMaxBars || bars * rows > kMaxMeasureCells)
+            TooLong(rows);
         // In steps, so that a limit is found before the measures exist.
         for (double at = 0.0;; at = std::min(end, at + 64.0))
         {
             MCTime t(static_cast<float>(at));
             if (!m_cs->GetConductorMeasureAtTime(t, 1, 1))
                 throw std::runtime_error("the measures up to beat " + std::to_string(at) + " could not be made");
-            const long bars = m_cs->GetMaxMeasureNumber() + 1;
-            if (bars > kMaxBars || bars * rows > kMaxMeasureCells)
-                throw std::runtime_error("the file lasts more than " + std::to_string(std::min<long>(
-                                             kMaxBars, kMaxMeasureCells / rows)) + " bars of " +
-                                         std::to_string(rows - 1) + " staves");
+            const long made = m_cs->GetMaxMeasureNumber() + 1;
+            if (made > kMaxBars || made * rows > kMaxMeasureCells)
+                TooLong(rows);
             if (at >= end)
                 break;
         }
@@ -300,6 +301,31 @@ private:
         for (int i = 0; i < columns.GetSize(); ++i)
             m_columnTick.push_back(TickOf(*columns[i]->GetTime()));
         m_endTick = TickOf(m_cs->GetMaxMeasureEndTime());
+    }
+
+    [[noreturn]] static void TooLong(int rows)
+    {
+        throw std::runtime_error("the file lasts more than " +
+                                 std::to_string(std::min<long>(kMaxBars, kMaxMeasureCells / rows)) + " bars of " +
+                                 std::to_string(rows - 1) + " staves");
+    }
+
+    // The bars the meters cut up to `end` (in quarters), counted before any
+    // exists, so that a file too long is refused at once.
+    double EstimateBars(double end) const
+    {
+        double bars = 0.0, at = 0.0, length = 4.0;
+        ECMeterEnv *meters = m_cs->FindMeterEnv();
+        ECBase::EventList *points = meters ? meters->GetChildren() : nullptr;
+        for (POSITION pos = points ? points->GetHeadPosition() : nullptr; pos;)
+            if (auto *meter = dynamic_cast<ECMeter *>(points->GetNext(pos)))
+            {
+                const double t = std::min<double>(meter->GetTime()->GetSeconds(), end);
+                bars += std::ceil(std::max(0.0, t - at) / length);
+                at = std::max(at, t);
+                length = std::max(1.0 / 32, 4.0 * meter->GetNumerator() / std::max(1, int(meter->GetDenominator())));
+            }
+        return bars + std::ceil(std::max(0.0, end - at) / length) + 1.0;
     }
 
     uint32_t TickOf(const MCTime &t) const

@@ -67,9 +67,9 @@ namespace smf
 
 constexpr int kSmfViewCode = 2;
 constexpr int kMaxStaves = 1024;
-constexpr int kMaxBars = 100000;
-constexpr long kMaxMeasureCells = 2000000;
-constexpr long kMaxTiePieces = 4000000;
+constexpr int kMaxBars = 50000;
+constexpr long kMaxMeasureCells = 400000;
+constexpr long kMaxTiePieces = 1000000;
 // Channel of a staff made for events without one.
 constexpr int kNoChannel = 0xFF;
 constexpr int kTextTypeBase = 100;
