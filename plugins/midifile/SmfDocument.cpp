@@ -62,9 +62,13 @@ CPluginData s_noteData(RUNTIME_CLASS(SmfEventData), kSmfViewCode, EVENT_ID_NOTE)
 CPluginData s_staffData(RUNTIME_CLASS(SmfEventData), kSmfViewCode, EVENT_ID_STAFF);
 CPluginData s_conductorData(RUNTIME_CLASS(SmfEventData), kSmfViewCode, EVENT_ID_CONDUCTOR_STAFF);
 
+// By run-time class, not dynamic_cast: the class lives in this module, and a
+// type test across modules compares names, which a million notes feel.
 SmfEventData *DataOf(ECBase *event, int create)
 {
-    return dynamic_cast<SmfEventData *>(event->GetData(kSmfViewCode, create));
+    DCBase *data = event->GetData(kSmfViewCode, create);
+    return data && data->GetRuntimeClass() == RUNTIME_CLASS(SmfEventData) ? static_cast<SmfEventData *>(data)
+                                                                          : nullptr;
 }
 
 // An event made here and not yet in the tree dies with this holder unless
@@ -655,7 +659,8 @@ private:
 // other channel messages, note ons, and last the offs of notes of no length.
 struct Pending
 {
-    int order;
+    // Tick, then order, then the sequence of making: one sort key.
+    uint64_t key;
     Event event;
 };
 
@@ -689,9 +694,14 @@ private:
         return static_cast<uint32_t>(std::clamp<long long>(std::llround(v), 0, kMaxTick));
     }
 
+    static uint64_t Key(const std::vector<Pending> &out, int order, uint32_t tick)
+    {
+        return static_cast<uint64_t>(tick) << 32 | static_cast<uint64_t>(order) << 28 | out.size();
+    }
+
     void Meta(std::vector<Pending> &out, int order, uint32_t tick, uint8_t type, const std::string &bytes)
     {
-        out.push_back({order, m_file.MakeEvent(tick, kStatusMeta, type, bytes.data(), bytes.size())});
+        out.push_back({Key(out, order, tick), m_file.MakeEvent(tick, kStatusMeta, type, bytes.data(), bytes.size())});
     }
 
     void Channel(std::vector<Pending> &out, int order, uint32_t tick, int status, int d1, int d2)
@@ -701,14 +711,14 @@ private:
         e.status = static_cast<uint8_t>(status);
         e.data1 = static_cast<uint8_t>(std::clamp(d1, 0, 127));
         e.data2 = static_cast<uint8_t>(std::clamp(d2, 0, 127));
-        out.push_back({order, e});
+        out.push_back({Key(out, order, tick), e});
     }
 
     void Flush(std::vector<Pending> &events)
     {
-        std::stable_sort(events.begin(), events.end(), [](const Pending &a, const Pending &b) {
-            return a.event.tick != b.event.tick ? a.event.tick < b.event.tick : a.order < b.order;
-        });
+        if (events.size() >= (1u << 28))
+            throw std::runtime_error("more than 2^28 events on one staff");
+        std::sort(events.begin(), events.end(), [](const Pending &a, const Pending &b) { return a.key < b.key; });
         Track &track = m_file.tracks.emplace_back();
         track.events.reserve(events.size());
         for (const Pending &p : events)
@@ -791,8 +801,9 @@ private:
                 const unsigned length = buffer ? m.GetSysExBufLength() : 0;
                 const bool f0 = length > 0 && buffer[0] == kStatusSysEx;
                 const uint8_t status = f0 ? kStatusSysEx : kStatusSysExEscape;
-                out.push_back({1, m_file.MakeEvent(Tick(message->GetTime()), status, 0, buffer + (f0 ? 1 : 0),
-                                                   length - (f0 ? 1 : 0))});
+                const uint32_t tick = Tick(message->GetTime());
+                out.push_back({Key(out, 1, tick), m_file.MakeEvent(tick, status, 0, buffer + (f0 ? 1 : 0),
+                                                                   length - (f0 ? 1 : 0))});
             }
             else if (auto *text = dynamic_cast<ECText *>(event))
                 Text(out, text);
@@ -825,12 +836,14 @@ private:
             for (POSITION pos = events ? events->GetHeadPosition() : nullptr; pos;)
             {
                 ECBase *event = events->GetNext(pos);
-                if (auto *note = dynamic_cast<ECNote *>(event))
-                    WriteNote(out, note, channel);
-                else if (auto *lyric = dynamic_cast<ECLyric *>(event))
-                    Meta(out, 0, Tick(lyric->GetTime()), kMetaLyric, Utf8(lyric->GetText()));
-                else if (auto *chord = dynamic_cast<ECChordSymbol *>(event))
+                const int id = event->GetEventId();
+                if (id == EVENT_ID_NOTE || id == EVENT_ID_GRACE_NOTE)
+                    WriteNote(out, static_cast<ECNote *>(event), channel);
+                else if (id == EVENT_ID_LYRIC)
+                    Meta(out, 0, Tick(event->GetTime()), kMetaLyric, Utf8(static_cast<ECLyric *>(event)->GetText()));
+                else if (id == EVENT_ID_CHORD_SYMBOL)
                 {
+                    auto *chord = static_cast<ECChordSymbol *>(event);
                     std::string bytes(reinterpret_cast<const char *>(kChordRecord), 3);
                     bytes += static_cast<char>(chord->SetMidiWriteChordRootFromZelto(
                         static_cast<unsigned char>(chord->GetChordRoot())));
@@ -851,22 +864,21 @@ private:
         ECTie *tie = nullptr;
         if (EventList *parents = note->GetParents())
             for (POSITION pos = parents->GetHeadPosition(); pos && !tie;)
-                tie = dynamic_cast<ECTie *>(parents->GetNext(pos));
+            {
+                ECBase *parent = parents->GetNext(pos);
+                if (parent->GetEventId() == EVENT_ID_TIE)
+                    tie = static_cast<ECTie *>(parent);
+            }
         ECNote *last = note;
         if (tie)
         {
-            // The first piece speaks for the tied note; the others are in it.
-            ECNote *first = nullptr;
+            // The first piece speaks for the tied note; the others are in
+            // it. The tie keeps its pieces in time order.
             EventList *pieces = tie->GetChildren();
-            for (POSITION pos = pieces->GetHeadPosition(); pos;)
-                if (auto *piece = dynamic_cast<ECNote *>(pieces->GetNext(pos)))
-                {
-                    if (!first)
-                        first = piece;
-                    last = piece;
-                }
-            if (first != note)
+            if (pieces->IsEmpty() || pieces->GetHead() != note)
                 return;
+            if (auto *tail = dynamic_cast<ECNote *>(pieces->GetTail()))
+                last = tail;
         }
         const uint32_t start = Tick(note->GetTime());
         const uint32_t end = Tick(last->GetTime()) + Tick(last->GetDuration());

@@ -342,3 +342,26 @@ TEST_F(MidiFilePlugin, BrokenAndHostileFilesEndInAReason)
     EXPECT_EQ(reader->LoadFile(CString::FromUtf8((m_dir / "missing.mid").string().c_str()), SmfDocumentOf(doc.Get())), 0);
     EXPECT_NE(reader->GetStatusMsg().ToUtf8().find("No such file"), std::string::npos);
 }
+
+// A note held for thousands of bars is cut at each bar line and comes back
+// as one note.
+TEST_F(MidiFilePlugin, ANoteOverThousandsOfBarsComesBackWhole)
+{
+    smf::File f;
+    f.division = 2;
+    smf::Track &t = f.tracks.emplace_back();
+    smftest::Channel(t, 1, 0x90, 60, 10);
+    smftest::Channel(t, 8 * 3000 + 1, 0x80, 60, 0);
+    t.endTick = 8 * 3000 + 1;
+    MCDocumentOwner doc = Import(smf::Serialize(f));
+    ECConductorStaff *cs = Conductor(doc.Get());
+    ASSERT_EQ(cs->GetMaxMeasureNumber(), 3000);
+    std::vector<ECTie *> ties = ChildrenOf<ECTie>(cs->GetStaff(1, 0));
+    ASSERT_EQ(ties.size(), 1u);
+    EXPECT_EQ(ChildrenOf<ECNote>(ties[0]).size(), 3001u);
+    const smf::File back = smf::Parse(ExportBytes(doc.Get()));
+    ASSERT_EQ(back.tracks.size(), 2u);
+    ASSERT_EQ(back.tracks[1].events.size(), 2u);
+    EXPECT_EQ(back.tracks[1].events[0].tick, 1u);
+    EXPECT_EQ(back.tracks[1].events[1].tick, 8u * 3000 + 1);
+}

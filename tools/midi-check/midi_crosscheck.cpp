@@ -192,10 +192,9 @@ Listing FromScore(ECPerformance *doc, int division)
                     ECTie *tie = nullptr;
                     for (POSITION pp = note->GetParents()->GetHeadPosition(); pp && !tie;)
                         tie = dynamic_cast<ECTie *>(note->GetParents()->GetNext(pp));
-                    std::vector<ECNote *> pieces = ChildrenOf<ECNote>(tie);
-                    if (pieces.front() != note)
+                    if (tie->GetChildren()->GetHead() != note)
                         continue;
-                    last = pieces.back();
+                    last = static_cast<ECNote *>(tie->GetChildren()->GetTail());
                 }
                 auto *data = dynamic_cast<SmfEventData *>(note->GetData(smf::kSmfViewCode, 0));
                 if (!data)
