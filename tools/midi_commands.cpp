@@ -108,6 +108,22 @@ std::string BarBeat(ECConductorStaff *cs, MCTime time)
     return text;
 }
 
+// The points of a map, the first twenty of them one a line.
+template <class Point, class Line> void PrintMap(const char *title, ECBase *map, Line line)
+{
+    constexpr int kShown = 20;
+    ECBase::EventList *points = map ? map->GetChildren() : nullptr;
+    if (!points)
+        return;
+    std::printf("  %s: %d changes\n", title, static_cast<int>(points->GetCount()));
+    int shown = 0;
+    for (POSITION pos = points->GetHeadPosition(); pos && shown < kShown; ++shown)
+        if (auto *point = dynamic_cast<Point *>(points->GetNext(pos)))
+            line(point);
+    if (points->GetCount() > kShown)
+        std::printf("    ... %d more\n", static_cast<int>(points->GetCount()) - kShown);
+}
+
 double Seconds(ECTempoEnv *tempi, float beats)
 {
     MCTime t(beats);
@@ -192,31 +208,15 @@ int MidiInfo(const char *midi)
     const std::string report = Load(midi, doc.Get());
     ECConductorStaff *cs = doc->GetConductor()->GetConductorStaff();
     std::printf("%s: MIDI file, %s\n", midi, report.c_str());
-    constexpr int kShown = 20;
     ECTempoEnv *tempi = cs->FindTempoEnv();
-    if (ECBase::EventList *points = tempi ? tempi->GetChildren() : nullptr)
-    {
-        std::printf("  tempo map: %d changes\n", static_cast<int>(points->GetCount()));
-        int shown = 0;
-        for (POSITION pos = points->GetHeadPosition(); pos && shown < kShown; ++shown)
-            if (auto *tempo = dynamic_cast<ECTempo *>(points->GetNext(pos)))
-                std::printf("    %s (%.3f s): %.3f quarters per minute\n", BarBeat(cs, *tempo->GetTime()).c_str(),
-                            Seconds(tempi, tempo->GetTime()->GetSeconds()), tempo->GetTempo(1.0f));
-        if (points->GetCount() > kShown)
-            std::printf("    ... %d more\n", static_cast<int>(points->GetCount()) - kShown);
-    }
-    ECMeterEnv *meters = cs->FindMeterEnv();
-    if (ECBase::EventList *points = meters ? meters->GetChildren() : nullptr)
-    {
-        std::printf("  meter map: %d changes\n", static_cast<int>(points->GetCount()));
-        int shown = 0;
-        for (POSITION pos = points->GetHeadPosition(); pos && shown < kShown; ++shown)
-            if (auto *meter = dynamic_cast<ECMeter *>(points->GetNext(pos)))
-                std::printf("    %s: %d/%d\n", BarBeat(cs, *meter->GetTime()).c_str(), meter->GetNumerator(),
-                            meter->GetDenominator());
-        if (points->GetCount() > kShown)
-            std::printf("    ... %d more\n", static_cast<int>(points->GetCount()) - kShown);
-    }
+    PrintMap<ECTempo>("tempo map", tempi, [&](ECTempo *tempo) {
+        std::printf("    %s (%.3f s): %.3f quarters per minute\n", BarBeat(cs, *tempo->GetTime()).c_str(),
+                    Seconds(tempi, tempo->GetTime()->GetSeconds()), tempo->GetTempo(1.0f));
+    });
+    PrintMap<ECMeter>("meter map", cs->FindMeterEnv(), [&](ECMeter *meter) {
+        std::printf("    %s: %d/%d\n", BarBeat(cs, *meter->GetTime()).c_str(), meter->GetNumerator(),
+                    meter->GetDenominator());
+    });
     const float end = cs->GetMaxMeasureEndTime().GetSeconds();
     std::printf("  length: %d bars, %.3f s\n", cs->GetMaxMeasureNumber() + 1, Seconds(tempi, end));
     return 0;

@@ -59,6 +59,26 @@ std::vector<uint8_t> ReadWhole(const std::string &path)
         throw std::runtime_error(path + ": read error");
     return bytes;
 }
+
+// Runs `work`, which gives the status line of a success, and hands that line
+// or the reason of a failure to `report`. 1 on success, 0 on failure.
+template <class Work, class Report> int Reported(Work work, Report report)
+{
+    try
+    {
+        report(Text(work()));
+        return 1;
+    }
+    catch (const std::bad_alloc &)
+    {
+        report(Text("out of memory"));
+    }
+    catch (const std::exception &e)
+    {
+        report(Text(e.what()));
+    }
+    return 0;
+}
 } // namespace
 
 class SmfFileReader : public MCFileReader
@@ -68,8 +88,7 @@ class SmfFileReader : public MCFileReader
 public:
     int LoadFile(CString path, MCOpusDoc *document) override
     {
-        try
-        {
+        auto work = [&] {
             if (!document)
                 throw std::runtime_error("no document");
             const smf::File file = smf::Parse(ReadWhole(path.ToUtf8()));
@@ -78,18 +97,9 @@ public:
                                  std::to_string(file.division) + ", " + report.Summary();
             for (const std::string &warning : report.warnings)
                 status += "; " + warning;
-            SetStatusMsg(Text(status));
-            return 1;
-        }
-        catch (const std::bad_alloc &)
-        {
-            SetStatusMsg(Text("out of memory"));
-        }
-        catch (const std::exception &e)
-        {
-            SetStatusMsg(Text(e.what()));
-        }
-        return 0;
+            return status;
+        };
+        return Reported(work, [this](const CString &status) { SetStatusMsg(status); });
     }
 };
 IMPLEMENT_DYNCREATE(SmfFileReader, MCFileReader)
@@ -101,8 +111,7 @@ class SmfFileWriter : public MCFileWriter
 public:
     int SaveFile(CArchive &ar, MCOpusDoc *document) override
     {
-        try
-        {
+        auto work = [&] {
             if (!document)
                 throw std::runtime_error("no document");
             size_t skipped = 0;
@@ -114,18 +123,9 @@ public:
                                  " bytes";
             if (skipped)
                 status += "; " + std::to_string(skipped) + " events the format cannot hold left out";
-            SetStatusMsg(Text(status));
-            return 1;
-        }
-        catch (const std::bad_alloc &)
-        {
-            SetStatusMsg(Text("out of memory"));
-        }
-        catch (const std::exception &e)
-        {
-            SetStatusMsg(Text(e.what()));
-        }
-        return 0;
+            return status;
+        };
+        return Reported(work, [this](const CString &status) { SetStatusMsg(status); });
     }
 };
 IMPLEMENT_DYNCREATE(SmfFileWriter, MCFileWriter)

@@ -45,15 +45,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-template <class T> std::vector<T *> ChildrenOf(ECBase *parent)
-{
-    std::vector<T *> found;
-    ECBase::EventList *children = parent ? parent->GetChildren() : nullptr;
-    for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
-        if (auto *event = dynamic_cast<T *>(children->GetNext(pos)))
-            found.push_back(event);
-    return found;
-}
+using smftest::ChildrenOf;
 
 class MidiFilePlugin : public ::testing::Test
 {

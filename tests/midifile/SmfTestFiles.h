@@ -5,6 +5,8 @@
 
 #include <SmfFormat.h>
 
+#include <scoremodel/events/base/ECBase.h>
+
 #include <algorithm>
 #include <initializer_list>
 #include <string>
@@ -111,5 +113,15 @@ inline Flat Flatten(const smf::File &f)
             all.emplace_back(e.tick, e.status, e.meta, e.data1, e.data2, e.IsChannel() ? "" : f.PayloadText(e));
     std::sort(all.begin(), all.end());
     return all;
+}
+// The children of `parent` of class T, in list order.
+template <class T> std::vector<T *> ChildrenOf(ECBase *parent)
+{
+    std::vector<T *> found;
+    ECBase::EventList *children = parent ? parent->GetChildren() : nullptr;
+    for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
+        if (auto *event = dynamic_cast<T *>(children->GetNext(pos)))
+            found.push_back(event);
+    return found;
 }
 } // namespace smftest

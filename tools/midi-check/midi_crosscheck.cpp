@@ -11,6 +11,8 @@
 // with every disagreement on stderr, 77 when midicsv or csvmidi is missing.
 #include <SmfDocument.h>
 
+#include "../../tests/midifile/SmfTestFiles.h"
+
 #include <scoremodel/commands/MCCommandMgr.h>
 #include <scoremodel/document/MCDocumentOwner.h>
 #include <scoremodel/events/envelopes/ECTempo.h>
@@ -160,15 +162,7 @@ long Tick(const MCTime *t, int division)
     return std::lround(static_cast<double>(t->GetSeconds()) * division);
 }
 
-template <class T> std::vector<T *> ChildrenOf(ECBase *parent)
-{
-    std::vector<T *> found;
-    ECBase::EventList *children = parent ? parent->GetChildren() : nullptr;
-    for (POSITION pos = children ? children->GetHeadPosition() : nullptr; pos;)
-        if (auto *event = dynamic_cast<T *>(children->GetNext(pos)))
-            found.push_back(event);
-    return found;
-}
+using smftest::ChildrenOf;
 
 // What the score holds: tied pieces joined into their note.
 Listing FromScore(ECPerformance *doc, int division)
