@@ -66,7 +66,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         MCDocumentOwner doc = MCDocumentOwner::Make();
         try
         {
-            smf::Import(file, doc.Get());
+            // Tighter limits than a host's: a score of the largest size
+            // the limits let through takes seconds to build and take down
+            // under the sanitizers, and the fuzzer wants many inputs.
+            smf::ImportLimits limits;
+            limits.bars = 2000;
+            limits.measures = 10000;
+            limits.tiePieces = 20000;
+            limits.staves = 64;
+            smf::Import(file, doc.Get(), limits);
             smf::Serialize(smf::Export(doc.Get()));
         }
         catch (const smf::SmfError &)

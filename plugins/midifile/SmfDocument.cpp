@@ -26,6 +26,7 @@
 #include <cmath>
 #include <deque>
 #include <map>
+#include <queue>
 #include <set>
 
 IMPLEMENT_SERIAL(SmfEventData, DCBase, 1)
@@ -123,7 +124,10 @@ struct PendingNote
 class Importer
 {
 public:
-    Importer(const File &file, ECPerformance *doc) : m_file(file), m_doc(doc) {}
+    Importer(const File &file, ECPerformance *doc, const ImportLimits &limits)
+        : m_file(file), m_doc(doc), m_limits(limits)
+    {
+    }
 
     ImportReport Run()
     {
@@ -262,9 +266,9 @@ private:
         }
         if (wanted.empty() && needAny)
             wanted.insert({0, kNoChannel});
-        if (wanted.size() > static_cast<size_t>(kMaxStaves))
+        if (wanted.size() > static_cast<size_t>(m_limits.staves))
             throw std::runtime_error("the file asks for " + std::to_string(wanted.size()) + " staves, more than " +
-                                     std::to_string(kMaxStaves));
+                                     std::to_string(m_limits.staves));
         for (const auto &[track, channel] : wanted)
         {
             ECStaff *staff = m_cs->GetStaff(m_cs->GetMaxStaffNumber() + 1, 1);
@@ -287,7 +291,7 @@ private:
         const int rows = m_cs->GetMaxStaffNumber() + 1;
         const double end = static_cast<double>(last) / m_file.division;
         const double bars = EstimateBars(end);
-        if (bars > kMaxBars || bars * rows > kMaxMeasureCells)
+        if (bars > m_limits.bars || bars * rows > m_limits.measures)
             TooLong(rows);
         // In steps, so that a limit is found before the measures exist.
         for (double at = 0.0;; at = std::min(end, at + 64.0))
@@ -296,7 +300,7 @@ private:
             if (!m_cs->GetConductorMeasureAtTime(t, 1, 1))
                 throw std::runtime_error("the measures up to beat " + std::to_string(at) + " could not be made");
             const long made = m_cs->GetMaxMeasureNumber() + 1;
-            if (made > kMaxBars || made * rows > kMaxMeasureCells)
+            if (made > m_limits.bars || made * rows > m_limits.measures)
                 TooLong(rows);
             if (at >= end)
                 break;
@@ -307,10 +311,10 @@ private:
         m_endTick = TickOf(m_cs->GetMaxMeasureEndTime());
     }
 
-    [[noreturn]] static void TooLong(int rows)
+    [[noreturn]] void TooLong(int rows) const
     {
         throw std::runtime_error("the file lasts more than " +
-                                 std::to_string(std::min<long>(kMaxBars, kMaxMeasureCells / rows)) + " bars of " +
+                                 std::to_string(std::min<long>(m_limits.bars, m_limits.measures / rows)) + " bars of " +
                                  std::to_string(rows - 1) + " staves");
     }
 
@@ -609,8 +613,8 @@ private:
                 ++column;
             }
             extraPieces += static_cast<long>(pieces.size()) - 1;
-            if (extraPieces > kMaxTiePieces)
-                throw std::runtime_error("the notes cross more than " + std::to_string(kMaxTiePieces) + " bar lines");
+            if (extraPieces > m_limits.tiePieces)
+                throw std::runtime_error("the notes cross more than " + std::to_string(m_limits.tiePieces) + " bar lines");
             ECTie *tie = nullptr;
             if (pieces.size() > 1)
             {
@@ -642,6 +646,7 @@ private:
 
     const File &m_file;
     ECPerformance *m_doc;
+    ImportLimits m_limits;
     ECConductorStaff *m_cs = nullptr;
     ImportReport m_report;
     std::map<std::pair<int, int>, int> m_staffOf;
@@ -694,9 +699,11 @@ private:
         return static_cast<uint32_t>(std::clamp<long long>(std::llround(v), 0, kMaxTick));
     }
 
-    static uint64_t Key(const std::vector<Pending> &out, int order, uint32_t tick)
+    uint64_t Key(const std::vector<Pending> &, int order, uint32_t tick)
     {
-        return static_cast<uint64_t>(tick) << 32 | static_cast<uint64_t>(order) << 28 | out.size();
+        if (m_sequence >= (1u << 28))
+            throw std::runtime_error("more than 2^28 events on one staff");
+        return static_cast<uint64_t>(tick) << 32 | static_cast<uint64_t>(order) << 28 | m_sequence++;
     }
 
     void Meta(std::vector<Pending> &out, int order, uint32_t tick, uint8_t type, const std::string &bytes)
@@ -714,16 +721,43 @@ private:
         out.push_back({Key(out, order, tick), e});
     }
 
+    // The notes come in time order and their offs through a small heap, so
+    // only the other events need a sort; the two streams then merge. A score
+    // whose notes are out of order in their measures is sorted whole.
     void Flush(std::vector<Pending> &events)
     {
-        if (events.size() >= (1u << 28))
-            throw std::runtime_error("more than 2^28 events on one staff");
-        std::sort(events.begin(), events.end(), [](const Pending &a, const Pending &b) { return a.key < b.key; });
+        auto byKey = [](const Pending &a, const Pending &b) { return a.key < b.key; };
+        while (!m_offs.empty())
+        {
+            m_notes.push_back(m_offs.top());
+            m_offs.pop();
+        }
+        std::sort(events.begin(), events.end(), byKey);
+        m_merged.clear();
+        m_merged.reserve(events.size() + m_notes.size());
+        std::merge(m_notes.begin(), m_notes.end(), events.begin(), events.end(), std::back_inserter(m_merged), byKey);
+        if (!std::is_sorted(m_merged.begin(), m_merged.end(), byKey))
+            std::sort(m_merged.begin(), m_merged.end(), byKey);
         Track &track = m_file.tracks.emplace_back();
-        track.events.reserve(events.size());
-        for (const Pending &p : events)
+        track.events.reserve(m_merged.size());
+        for (const Pending &p : m_merged)
             track.events.push_back(p.event);
         track.endTick = track.events.empty() ? 0 : track.events.back().tick;
+        events.clear();
+        m_notes.clear();
+        m_sequence = 0;
+    }
+
+    // A note on joins the note stream after the offs that come before it.
+    void AddNote(const Pending &on, const Pending &off)
+    {
+        while (!m_offs.empty() && m_offs.top().key < on.key)
+        {
+            m_notes.push_back(m_offs.top());
+            m_offs.pop();
+        }
+        m_notes.push_back(on);
+        m_offs.push(off);
     }
 
     static std::string Utf8(const CString &text) { return text.ToUtf8(); }
@@ -737,7 +771,7 @@ private:
 
     void WriteConductor()
     {
-        std::vector<Pending> out;
+        std::vector<Pending> &out = m_others;
         if (ECTempoEnv *tempi = m_cs->FindTempoEnv())
             for (POSITION pos = tempi->GetChildren()->GetHeadPosition(); pos;)
                 if (auto *tempo = dynamic_cast<ECTempo *>(tempi->GetChildren()->GetNext(pos)))
@@ -814,7 +848,7 @@ private:
     void WriteStaff(int number)
     {
         ECStaff *staff = m_cs->GetStaff(number, 0);
-        std::vector<Pending> out;
+        std::vector<Pending> &out = m_others;
         SmfEventData *staffData = DataOf(staff, 0);
         int channel = staffData ? staffData->GetChannel() : (number - 1) % 16;
         if (channel > 15)
@@ -894,6 +928,11 @@ private:
             Channel(out, order, std::max(end, start), 0x90 | channel, pitch, 0);
         else
             Channel(out, order, std::max(end, start), 0x80 | channel, pitch, release);
+        const Pending off = out.back();
+        out.pop_back();
+        const Pending on = out.back();
+        out.pop_back();
+        AddNote(on, off);
     }
 
     void WriteEnvelope(std::vector<Pending> &out, ECEnvelope *env, int channel)
@@ -949,10 +988,18 @@ private:
         }
     }
 
+    struct Later
+    {
+        bool operator()(const Pending &a, const Pending &b) const { return a.key > b.key; }
+    };
+
     ECPerformance *m_doc;
     ECConductorStaff *m_cs = nullptr;
     File m_file;
     size_t m_skipped = 0;
+    uint32_t m_sequence = 0;
+    std::vector<Pending> m_notes, m_merged, m_others;
+    std::priority_queue<Pending, std::vector<Pending>, Later> m_offs;
 };
 } // namespace
 
@@ -976,9 +1023,9 @@ std::string ImportReport::Summary() const
     return s;
 }
 
-ImportReport Import(const File &file, ECPerformance *doc)
+ImportReport Import(const File &file, ECPerformance *doc, const ImportLimits &limits)
 {
-    return Importer(file, doc).Run();
+    return Importer(file, doc, limits).Run();
 }
 
 File Export(ECPerformance *doc, size_t *skipped)

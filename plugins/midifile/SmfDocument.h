@@ -48,10 +48,10 @@
 // through ECEnvelope::GetValues up to the next point. Tied pieces join into
 // one note. Tempo is written from the beats per minute of each point.
 //
-// Limits, so that a small hostile file cannot make a huge document:
-// kMaxStaves staves, kMaxBars bars and kMaxMeasureCells measures in all
-// (bars times staves), kMaxTiePieces extra note pieces. Beyond them the
-// import throws std::runtime_error and the document must be thrown away.
+// Limits (ImportLimits), so that a small hostile file cannot make a huge
+// document: staves, bars, measures in all (bars times staves) and extra note
+// pieces made by cuts at bar lines. Beyond them the import throws
+// std::runtime_error and the document must be thrown away.
 #pragma once
 
 #include "SmfFormat.h"
@@ -66,10 +66,13 @@ namespace smf
 {
 
 constexpr int kSmfViewCode = 2;
-constexpr int kMaxStaves = 1024;
-constexpr int kMaxBars = 50000;
-constexpr long kMaxMeasureCells = 400000;
-constexpr long kMaxTiePieces = 1000000;
+struct ImportLimits
+{
+    int staves = 1024;
+    long bars = 50000;
+    long measures = 400000;
+    long tiePieces = 1000000;
+};
 // Channel of a staff made for events without one.
 constexpr int kNoChannel = 0xFF;
 constexpr int kTextTypeBase = 100;
@@ -95,7 +98,7 @@ struct ImportReport
 
 // Fills `doc`, a new performance with its conductor. Throws
 // std::runtime_error when a limit is passed.
-ImportReport Import(const File &file, ECPerformance *doc);
+ImportReport Import(const File &file, ECPerformance *doc, const ImportLimits &limits = {});
 
 // The file of a performance. `skipped`, when given, counts what the format
 // cannot hold (meters whose denominator is not a power of two).

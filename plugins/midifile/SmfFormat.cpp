@@ -269,6 +269,7 @@ std::vector<uint8_t> Serialize(const File &file)
         throw std::invalid_argument("more than 65535 tracks");
     const int format = file.format == 0 && file.tracks.size() == 1 ? 0 : 1;
     std::vector<uint8_t> out;
+    out.reserve(14 + 12 * file.tracks.size() + 4 * file.EventCount() + file.pool.size());
     auto big = [&out](uint32_t value, int bytes) {
         for (int i = bytes - 1; i >= 0; --i)
             out.push_back(static_cast<uint8_t>(value >> (8 * i)));
