@@ -116,6 +116,19 @@ void BM_ExportOurs(benchmark::State &state)
 }
 BENCHMARK(BM_ExportOurs)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// The bytes alone, from the events the score gave: the share of the writer
+// in the export.
+void BM_SerializeOurs(benchmark::State &state)
+{
+    Setup();
+    MCDocumentOwner doc = MCDocumentOwner::Make();
+    smf::Import(smf::Parse(BenchFile()), doc.Get());
+    const smf::File file = smf::Export(doc.Get());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(smf::Serialize(file).size());
+}
+BENCHMARK(BM_SerializeOurs)->Unit(benchmark::kMillisecond)->Iterations(3);
+
 #ifdef SCOREMODEL_BENCH_PORTSMF
 std::unique_ptr<Alg_seq> PortSmfRead(const std::vector<uint8_t> &bytes)
 {
@@ -248,6 +261,9 @@ int main(int argc, char **argv)
         const double parse = c.Get("BM_ParseOurs/iterations:3"), read = c.Get("BM_PortSmfRead/iterations:3");
         if (parse > 0.0 && read > 0.0)
             std::printf("%-58s %.3f\n", "parse alone / portSMF read", parse / read);
+        const double bytes = c.Get("BM_SerializeOurs/iterations:3"), write = c.Get("BM_PortSmfWrite/iterations:3");
+        if (bytes > 0.0 && write > 0.0)
+            std::printf("%-58s %.3f\n", "bytes alone (events to file) / portSMF write", bytes / write);
         std::printf("%-58s %.0f bytes\n", "heap per imported note (score with its measures)", BytesPerNote());
     });
 }
