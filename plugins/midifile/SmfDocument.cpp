@@ -773,14 +773,40 @@ private:
     {
         std::vector<Pending> &out = m_others;
         if (ECTempoEnv *tempi = m_cs->FindTempoEnv())
+        {
+            std::vector<ECTempo *> points;
             for (POSITION pos = tempi->GetChildren()->GetHeadPosition(); pos;)
                 if (auto *tempo = dynamic_cast<ECTempo *>(tempi->GetChildren()->GetNext(pos)))
+                    points.push_back(tempo);
+            auto write = [&](uint32_t tick, uint32_t us) {
+                const char bytes[3] = {static_cast<char>(us >> 16), static_cast<char>(us >> 8), static_cast<char>(us)};
+                Meta(out, 0, tick, kMetaTempo, std::string(bytes, 3));
+            };
+            for (size_t i = 0; i < points.size(); ++i)
+            {
+                const uint32_t tick = Tick(points[i]->GetTime());
+                if (points[i]->GetStyle() == 0 || i + 1 == points.size())
                 {
-                    const uint32_t us = MicrosFor(tempo->GetTempo(1.0f));
-                    const char bytes[3] = {static_cast<char>(us >> 16), static_cast<char>(us >> 8),
-                                           static_cast<char>(us)};
-                    Meta(out, 0, Tick(tempo->GetTime()), kMetaTempo, std::string(bytes, 3));
+                    write(tick, MicrosFor(points[i]->GetTempo(1.0f)));
+                    continue;
                 }
+                // A ramp: one tempo per sixteenth, each the one that spends
+                // the clock time the map gives that sixteenth.
+                const double from = points[i]->GetTime()->GetSeconds();
+                const double to = points[i + 1]->GetTime()->GetSeconds();
+                for (double beat = from; beat < to; beat += 0.25)
+                {
+                    const double next = std::min(to, beat + 0.25);
+                    MCTime a(static_cast<float>(beat)), b(static_cast<float>(next));
+                    tempi->GetClockTime(a);
+                    tempi->GetClockTime(b);
+                    const double seconds = (b.GetSeconds() - a.GetSeconds()) / (next - beat);
+                    const long long us = std::isfinite(seconds) ? std::llround(seconds * 1e6) : 500000;
+                    MCTime at(static_cast<float>(beat));
+                    write(Tick(&at), static_cast<uint32_t>(std::clamp<long long>(us, 1, 0xFFFFFF)));
+                }
+            }
+        }
         if (ECMeterEnv *meters = m_cs->FindMeterEnv())
             for (POSITION pos = meters->GetChildren()->GetHeadPosition(); pos;)
                 if (auto *meter = dynamic_cast<ECMeter *>(meters->GetChildren()->GetNext(pos)))

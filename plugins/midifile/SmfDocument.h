@@ -46,7 +46,8 @@
 // keys, system messages, the conductor staff's texts), then one track per
 // staff. Envelope points are written at their times; a ramp is sampled
 // through ECEnvelope::GetValues up to the next point. Tied pieces join into
-// one note. Tempo is written from the beats per minute of each point.
+// one note. A tempo point is written from its beats per minute; a ramp as
+// a tempo per sixteenth, each spending the clock time the map gives it.
 //
 // Limits (ImportLimits), so that a small hostile file cannot make a huge
 // document: staves, bars, measures in all (bars times staves) and extra note

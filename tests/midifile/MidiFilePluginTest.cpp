@@ -357,3 +357,29 @@ TEST_F(MidiFilePlugin, ANoteOverThousandsOfBarsComesBackWhole)
     EXPECT_EQ(back.tracks[1].events[0].tick, 1u);
     EXPECT_EQ(back.tracks[1].events[1].tick, 8u * 3000 + 1);
 }
+
+// A tempo ramp leaves as a tempo per sixteenth that keeps the clock: the
+// file read back reaches each beat at the time the ramp did.
+TEST_F(MidiFilePlugin, TempoRampIsWrittenAsStepsThatKeepTheClock)
+{
+    MCDocumentOwner doc = Import(smf::Serialize(smftest::EveryEvent()));
+    ECTempoEnv *tempi = Conductor(doc.Get())->FindTempoEnv();
+    std::vector<ECTempo *> points = ChildrenOf<ECTempo>(tempi);
+    ASSERT_EQ(points.size(), 2u);
+    points[0]->SetStyle(1);
+    tempi->RecalculateClockTimes();
+    const smf::File file = smf::Parse(ExportBytes(doc.Get()));
+    int steps = 0;
+    for (const smf::Event &e : file.tracks[0].events)
+        steps += e.status == smf::kStatusMeta && e.meta == smf::kMetaTempo;
+    EXPECT_EQ(steps, 4 * 4 + 1);
+    MCDocumentOwner back = Import(smf::Serialize(file));
+    ECTempoEnv *read = Conductor(back.Get())->FindTempoEnv();
+    for (float beat : {0.5f, 1.0f, 2.75f, 4.0f, 5.0f})
+    {
+        MCTime a(beat), b(beat);
+        tempi->GetClockTime(a);
+        read->GetClockTime(b);
+        EXPECT_NEAR(a.GetSeconds(), b.GetSeconds(), 1e-4) << "beat " << beat;
+    }
+}
