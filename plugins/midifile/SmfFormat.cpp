@@ -231,6 +231,8 @@ File Parse(const uint8_t *data, size_t size)
             in.Seek(in.Offset() + length);
             continue;
         }
+        if (index == 0xFFFF)
+            throw SmfError(chunkAt, "more than 65535 tracks");
         ReadTrack(in, in.Offset() + length, index++, file);
     }
     if (static_cast<uint32_t>(index) < announced)

@@ -197,6 +197,15 @@ TEST(SmfFormat, CorruptFilesAreRefusedWithTheOffsetAtFault)
         {"sysex length of five bytes", FileOf({{0x00, 0xF0, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}}), 24, "more than four bytes"},
         {"meta type above 0x7F", FileOf({{0x00, 0xFF, 0x85, 0x00}}), 24, "meta type 0x85"},
         {"live status in a file", FileOf({Body({0x00, 0xF8})}), 23, "status 0xF8"},
+        {"65536 tracks", [] {
+             auto b = FileOf({Body({})});
+             b[10] = 0xFF, b[11] = 0xFF;
+             const std::vector<uint8_t> track(b.begin() + 14, b.end());
+             for (int i = 1; i < 65536; ++i)
+                 b.insert(b.end(), track.begin(), track.end());
+             return b;
+         }(),
+         14 + 65535 * 12, "more than 65535 tracks"},
         {"time past the limit", [] {
              // Nine of the longest deltas: the ninth passes 2^31 - 1.
              std::vector<uint8_t> body;
