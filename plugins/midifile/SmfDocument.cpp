@@ -375,6 +375,10 @@ private:
             m_report.warnings.push_back("skipped: " + what);
     }
 
+    // Envelopes of a staff by kind: controllers by number, key pressure by
+    // kPolyKeys + key, and the three single ones by a negative number.
+    static constexpr int kPolyKeys = 1000;
+
     template <class Env> Env *Envelope(int staff, int key, std::map<std::pair<int, int>, ECEnvelope *> &cache)
     {
         ECEnvelope *&env = cache[{staff, key}];
@@ -385,7 +389,7 @@ private:
             if constexpr (std::is_same_v<Env, ECControllerEnv>)
                 made->SetControllerType(key);
             if constexpr (std::is_same_v<Env, ECPolyPressureEnv>)
-                made->SetKey(key);
+                made->SetKey(key - kPolyKeys);
             made->SetVoiceTrack(0, staff);
             if (!m_cs->GetStaff(staff, 0)->AddChild(made, 1))
                 throw std::runtime_error("a staff refused an envelope");
@@ -474,8 +478,8 @@ private:
         switch (e.Kind())
         {
         case 0xA0:
-            AddPoint(Envelope<ECPolyPressureEnv>(staff, e.data1, m_envelopes), new ECPolyPressure, e.tick, e.data2,
-                     staff);
+            AddPoint(Envelope<ECPolyPressureEnv>(staff, kPolyKeys + e.data1, m_envelopes), new ECPolyPressure, e.tick,
+                     e.data2, staff);
             break;
         case 0xB0:
             if (e.data1 >= 120)

@@ -210,7 +210,7 @@ TEST_F(MidiFilePlugin, ImportBuildsTheScore)
     // pressures.
     ECStaff *piano = cs->GetStaff(1, 0);
     EXPECT_EQ(ChildrenOf<ECPatchEnv>(piano).size(), 1u);
-    EXPECT_EQ(ChildrenOf<ECControllerEnv>(piano).size(), 2u);
+    EXPECT_EQ(ChildrenOf<ECControllerEnv>(piano).size(), 3u);
     ASSERT_EQ(ChildrenOf<ECPitchBendEnv>(piano).size(), 1u);
     EXPECT_EQ(ChildrenOf<ECEnvPoint>(ChildrenOf<ECPitchBendEnv>(piano)[0]).size(), 2u);
     EXPECT_EQ(ChildrenOf<ECChanPressureEnv>(piano).size(), 1u);

@@ -81,6 +81,8 @@ inline smf::File EveryEvent()
     Channel(piano, 48, 0xE0, 0x28, 0x46);
     Channel(piano, 24, 0xD0, 50);
     Channel(piano, 24, 0xA0, 60, 30);
+    // Controller 60 beside the pressure of key 60: two envelopes.
+    Channel(piano, 30, 0xB0, 60, 11);
     MetaText(f, piano, 0, smf::kMetaLyric, "la");
     Meta(f, piano, 0, smf::kMetaSequencerSpecific, {0x7D, 0x43, 0x48, 0x31, 8});
     Meta(f, piano, 192, smf::kMetaSequencerSpecific, {0x7D, 0x43, 0x48, 0x23, 19, 0x36});

@@ -270,7 +270,7 @@ TEST_F(ScoremodelToolTest, MidiInfoImportExportAndBack)
     ASSERT_EQ(info.code, 0) << info.err;
     EXPECT_EQ(info.err, "");
     for (const std::string &line :
-         {song + ": MIDI file, format 1, division 96, 3 tracks, 35 events, 5 notes on 3 staves, 2 bars; every time exact",
+         {song + ": MIDI file, format 1, division 96, 3 tracks, 36 events, 5 notes on 3 staves, 2 bars; every time exact",
           std::string("  tempo map: 2 changes\n    bar 1, beat 0.000 (0.000 s): 120.000 quarters per minute\n"
                       "    bar 2, beat 4.000 (2.000 s): 150.000 quarters per minute\n"),
           std::string("  meter map: 2 changes\n    bar 1, beat 0.000: 4/4\n    bar 2, beat 4.000: 3/4\n"),
@@ -286,7 +286,7 @@ TEST_F(ScoremodelToolTest, MidiInfoImportExportAndBack)
 
     ToolRun out = Tool("export '" + doc + "' '" + back + "'");
     ASSERT_EQ(out.code, 0) << out.err;
-    EXPECT_NE(out.out.find(back + ": 4 tracks, 35 events"), std::string::npos) << out.out;
+    EXPECT_NE(out.out.find(back + ": 4 tracks, 36 events"), std::string::npos) << out.out;
     const std::string bytes = Slurp(back);
     const smf::File read = smf::Parse(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
     EXPECT_EQ(smftest::Flatten(read), smftest::Flatten(smftest::EveryEvent()));
