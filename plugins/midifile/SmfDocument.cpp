@@ -358,6 +358,21 @@ private:
         return measure;
     }
 
+    // The characters of a text event: UTF-8 where the bytes are that, else
+    // one character per byte (Latin-1, what older files hold), so that no
+    // byte is lost to a replacement character.
+    CString TextOf(const Event &e) const
+    {
+        const std::string bytes = m_file.PayloadText(e);
+        CString utf8 = CString::FromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+        if (utf8.ToUtf8() == bytes)
+            return utf8;
+        std::wstring latin(bytes.begin(), bytes.end());
+        for (size_t i = 0; i < bytes.size(); ++i)
+            latin[i] = static_cast<unsigned char>(bytes[i]);
+        return CString(latin.data(), static_cast<int>(latin.size()));
+    }
+
     static bool IsChord(const Event &e)
     {
         return e.status == kStatusMeta && e.meta == kMetaSequencerSpecific && (e.length == 5 || e.length == 6);
@@ -542,7 +557,7 @@ private:
         {
             auto *lyric = new ECLyric;
             Fresh<ECLyric> hold(lyric);
-            lyric->SetText(CString::FromUtf8(m_file.PayloadText(e).c_str()));
+            lyric->SetText(TextOf(e));
             lyric->SetTextType(kTextTypeBase + kMetaLyric);
             MCTime at = At(e.tick);
             lyric->SetTime(&at);
@@ -574,7 +589,7 @@ private:
         {
             auto *text = new ECText;
             Fresh<ECText> hold(text);
-            text->SetText(CString::FromUtf8(m_file.PayloadText(e).c_str()));
+            text->SetText(TextOf(e));
             text->SetTextType(kTextTypeBase + e.meta);
             MCTime at = At(e.tick);
             text->SetTime(&at);

@@ -23,7 +23,9 @@
 //   - text meta events 01 to 07 but lyrics into ECText events of text type
 //     100 + the meta type (103 is the track name) on the staff of the track,
 //     or on the conductor staff for the first track of a format 1 file;
-//     lyrics (FF 05) into ECLyric events of the measure;
+//     lyrics (FF 05) into ECLyric events of the measure; a text is read
+//     as UTF-8 where its bytes are that and as Latin-1 otherwise, and
+//     written as UTF-8;
 //   - chord symbols from the sequencer-specific event below.
 // Velocity, release velocity, channel and MIDI pitch of a note, the channel
 // of a staff and the division of the file ride in an SmfEventData

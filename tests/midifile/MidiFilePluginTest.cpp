@@ -383,3 +383,44 @@ TEST_F(MidiFilePlugin, TempoRampIsWrittenAsStepsThatKeepTheClock)
         EXPECT_NEAR(a.GetSeconds(), b.GetSeconds(), 1e-4) << "beat " << beat;
     }
 }
+
+// Texts: UTF-8 stays as it is, bytes that are not UTF-8 read as Latin-1 and
+// leave as UTF-8, a zero byte does not cut a text short; the second trip
+// gives the first one's bytes.
+TEST_F(MidiFilePlugin, TextsKeepEveryCharacter)
+{
+    const struct
+    {
+        std::string in, out;
+    } cases[] = {
+        {"plain", "plain"},
+        {"caf\xC3\xA9 \xE2\x99\xAF", "caf\xC3\xA9 \xE2\x99\xAF"},
+        {"caf\xE9", "caf\xC3\xA9"},
+        {std::string("a\0b", 3), std::string("a\0b", 3)},
+        {"\xFF\xFE", "\xC3\xBF\xC3\xBE"},
+    };
+    smf::File f;
+    f.division = 96;
+    f.tracks.resize(2);
+    smf::Track &t = f.tracks[0], &lyrics = f.tracks[1];
+    for (const auto &c : cases)
+    {
+        smftest::MetaText(f, t, 0, smf::kMetaMarker, c.in);
+        smftest::MetaText(f, lyrics, 0, smf::kMetaLyric, c.in);
+    }
+    MCDocumentOwner doc = Import(smf::Serialize(f));
+    const std::vector<uint8_t> first = ExportBytes(doc.Get());
+    const smf::File back = smf::Parse(first);
+    std::vector<std::string> markers, words;
+    for (const smf::Track &track : back.tracks)
+        for (const smf::Event &e : track.events)
+            if (e.meta == smf::kMetaMarker || e.meta == smf::kMetaLyric)
+                (e.meta == smf::kMetaMarker ? markers : words).push_back(back.PayloadText(e));
+    std::vector<std::string> expected;
+    for (const auto &c : cases)
+        expected.push_back(c.out);
+    EXPECT_EQ(markers, expected);
+    EXPECT_EQ(words, expected);
+    MCDocumentOwner again = Import(first);
+    EXPECT_EQ(ExportBytes(again.Get()), first);
+}
