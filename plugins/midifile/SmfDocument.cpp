@@ -72,17 +72,24 @@ SmfEventData *DataOf(ECBase *event, int create)
                                                                           : nullptr;
 }
 
-// An event made here and not yet in the tree dies with this holder unless
-// Release says it found a home.
+// An event made here dies with this holder unless a list took it. It takes
+// no reference of its own: a list searches for an event it might already
+// hold only when someone holds it, and that search, once per add, would
+// make a bar of many notes quadratic.
 template <class T> class Fresh
 {
 public:
-    explicit Fresh(T *event) : m_event(event) { m_event->Ref(); }
-    ~Fresh() { m_event->Unref(1); }
+    explicit Fresh(T *event) : m_event(event) {}
+    ~Fresh()
+    {
+        if (m_event->GetRefCount() == 0)
+        {
+            m_event->Ref();
+            m_event->Unref(1);
+        }
+    }
     Fresh(const Fresh &) = delete;
     Fresh &operator=(const Fresh &) = delete;
-    T *operator->() const { return m_event; }
-    T *Get() const { return m_event; }
 
 private:
     T *m_event;
