@@ -12,6 +12,9 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make pkg-config libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev doxygen)
+# The MIDI cross-check (CTest midi_crosscheck): abc2midi makes its corpus,
+# midicsv and csvmidi are the tools it compares with.
+packages+=(abcmidi midicsv)
 case "${1:-}" in
   --fuzz) packages+=(clang libclang-rt-14-dev) ;;
   --bench) packages+=(libboost-serialization-dev libportsmf-dev) ;;

@@ -6,7 +6,11 @@
 //                            removed afterwards), loads it back and checks
 //                            that the two trees are equal
 //   scoremodel dump FILE     the event tree of a saved document
-//   scoremodel info FILE     a summary of a saved document
+//   scoremodel info FILE     a summary of a saved document, or of a MIDI
+//                            file (tracks, events, tempo and meter maps,
+//                            length in bars and seconds)
+//   scoremodel import MIDI FILE   reads a MIDI file into a new document
+//   scoremodel export FILE MIDI   writes a document as a MIDI file
 //
 // FILE may be a file, a pipe or a device, or "-" for standard input; every
 // input is read whole first and then checked the same way.
@@ -55,6 +59,8 @@
 #include <scoremodel/platform/CFile.h>
 #include <scoremodel/platform/Exceptions.h>
 #include <scoremodel/version.h>
+
+#include "midi_commands.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -782,7 +788,9 @@ int Usage(FILE *out)
     std::fprintf(out, "usage: scoremodel --version\n"
                       "       scoremodel demo [FILE]   build, save, load and check a small document\n"
                       "       scoremodel dump FILE     print the event tree of a document\n"
-                      "       scoremodel info FILE     print a summary of a document\n"
+                      "       scoremodel info FILE     print a summary of a document or a MIDI file\n"
+                      "       scoremodel import MIDI FILE  read a MIDI file into a new document\n"
+                      "       scoremodel export FILE MIDI  write a document as a MIDI file\n"
                       "FILE may be a pipe or a device; \"-\" reads standard input.\n"
                       "\n"
                       "Exit codes: 0 success; 1 the work failed (an unreadable or refused\n"
@@ -830,17 +838,23 @@ int main(int argc, char **argv)
     {
         if (command == "demo" && argc <= 3)
             return FinishOutput(Demo(argc == 3 ? argv[2] : nullptr));
+        if (command == "dump" || command == "info")
+            LoadPlugins();
         if (command == "dump" && argc == 3)
             return FinishOutput(Dump(argv[2]));
         if (command == "info" && argc == 3)
-            return FinishOutput(Info(argv[2]));
+            return FinishOutput(IsMidiFile(argv[2]) ? MidiInfo(argv[2]) : Info(argv[2]));
+        if (command == "import" && argc == 4)
+            return FinishOutput(ImportMidi(argv[2], argv[3]));
+        if (command == "export" && argc == 4)
+            return FinishOutput(ExportMidi(argv[2], argv[3]));
     }
     catch (const std::exception &e)
     {
         std::fprintf(stderr, "scoremodel: %s\n", e.what());
         return 1;
     }
-    if (command == "demo" || command == "dump" || command == "info")
+    if (command == "demo" || command == "dump" || command == "info" || command == "import" || command == "export")
         std::fprintf(stderr, "scoremodel: wrong arguments for '%s'\n", command.c_str());
     else
         std::fprintf(stderr, "scoremodel: unknown command '%s'\n", command.c_str());

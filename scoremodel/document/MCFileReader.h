@@ -44,6 +44,13 @@ public:
 
     int GetVerbose() const { return m_nVerbose; }
 
+    // What the last load did or why it failed, in one line for the user;
+    // empty until a reader sets it. Not virtual, so the table of virtual
+    // operations stays that of the interface.
+    void SetStatusMsg(const CString &message) { m_strStatus = message; }
+    const CString &GetStatusMsg() const { return m_strStatus; }
+
 protected:
     int m_nVerbose = 1;
+    CString m_strStatus;
 };

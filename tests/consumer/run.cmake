@@ -37,6 +37,16 @@ if(NOT LAST_OUTPUT MATCHES "^scoremodel [0-9]+\\.[0-9]+\\.[0-9]+")
   message(FATAL_ERROR "the installed tool answered: ${LAST_OUTPUT}")
 endif()
 
+# The installed tool imports and exports MIDI files with no setup, through
+# the midifile plug-in installed beside the library.
+run(${PREFIX}/bin/scoremodel import ${CONSUMER_SOURCE_DIR}/../../fuzz/corpus/midi_file/drums.mid
+    ${WORK_DIR}/drums.smd)
+run(${PREFIX}/bin/scoremodel export ${WORK_DIR}/drums.smd ${WORK_DIR}/drums.mid)
+run(${PREFIX}/bin/scoremodel info ${WORK_DIR}/drums.mid)
+if(NOT LAST_OUTPUT MATCHES "48 notes on 2 staves")
+  message(FATAL_ERROR "the installed tool read back: ${LAST_OUTPUT}")
+endif()
+
 # The headers the library keeps to itself are not installed.
 file(STRINGS ${CONSUMER_SOURCE_DIR}/../../cmake/private-headers.txt private_headers REGEX "^[^#]")
 foreach(header IN LISTS private_headers)

@@ -1,5 +1,7 @@
 // The command-line tool run end to end: a demo document saved, then dumped
 // and summarized from its file; broken files and wrong command lines.
+#include "midifile/SmfTestFiles.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -246,5 +248,87 @@ TEST_F(ScoremodelToolTest, DumpShowsTheFieldsOfTextsFramesDrawingsAudioFlowMarks
         ToolRun dump = Tool("dump '" + path + "'");
         ASSERT_EQ(dump.code, 0) << c.file << ": " << dump.err;
         EXPECT_NE(dump.out.find(c.line), std::string::npos) << dump.out;
+    }
+}
+
+// ---- MIDI files, through the midifile plug-in beside the library ----
+
+namespace
+{
+void WriteBytes(const fs::path &path, const std::vector<uint8_t> &bytes)
+{
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+}
+} // namespace
+
+TEST_F(ScoremodelToolTest, MidiInfoImportExportAndBack)
+{
+    const std::string song = (m_dir / "song.mid").string(), doc = (m_dir / "song.smd").string(),
+                      back = (m_dir / "back.mid").string();
+    WriteBytes(song, smf::Serialize(smftest::EveryEvent()));
+    ToolRun info = Tool("info '" + song + "'");
+    ASSERT_EQ(info.code, 0) << info.err;
+    EXPECT_EQ(info.err, "");
+    for (const std::string &line :
+         {song + ": MIDI file, format 1, division 96, 3 tracks, 36 events, 5 notes on 3 staves, 2 bars; every time exact",
+          std::string("  tempo map: 2 changes\n    bar 1, beat 0.000 (0.000 s): 120.000 quarters per minute\n"
+                      "    bar 2, beat 4.000 (2.000 s): 150.000 quarters per minute\n"),
+          std::string("  meter map: 2 changes\n    bar 1, beat 0.000: 4/4\n    bar 2, beat 4.000: 3/4\n"),
+          std::string("  length: 2 bars, 3.200 s\n")})
+        EXPECT_NE(info.out.find(line), std::string::npos) << line << "\n" << info.out;
+
+    ToolRun import = Tool("import '" + song + "' '" + doc + "'");
+    ASSERT_EQ(import.code, 0) << import.err;
+    EXPECT_NE(import.out.find("saved " + doc), std::string::npos) << import.out;
+    ToolRun dump = Tool("dump '" + doc + "'");
+    ASSERT_EQ(dump.code, 0) << dump.err;
+    EXPECT_NE(dump.out.find("ECTie"), std::string::npos);
+
+    ToolRun out = Tool("export '" + doc + "' '" + back + "'");
+    ASSERT_EQ(out.code, 0) << out.err;
+    EXPECT_NE(out.out.find(back + ": 4 tracks, 36 events"), std::string::npos) << out.out;
+    const std::string bytes = Slurp(back);
+    const smf::File read = smf::Parse(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
+    EXPECT_EQ(smftest::Flatten(read), smftest::Flatten(smftest::EveryEvent()));
+}
+
+TEST_F(ScoremodelToolTest, MidiFailuresAreOneLineAndExitOne)
+{
+    std::vector<uint8_t> broken = smf::Serialize(smftest::EveryEvent());
+    broken[21] = 0xFF; // the first track's length, far past the end
+    WriteBytes(m_dir / "broken.mid", broken);
+    WriteBytes(m_dir / "notadoc.smd", {'M', 'T', 'h', 'd'});
+    const std::string dir = m_dir.string() + "/";
+    struct Case
+    {
+        std::string arguments;
+        int code;
+        std::string message;
+    } cases[] = {
+        {"import broken.mid out.smd", 1, "scoremodel: " + dir + "broken.mid: byte 18: chunk length"},
+        {"info broken.mid", 1, "scoremodel: " + dir + "broken.mid: byte 18: chunk length"},
+        {"import missing.mid out.smd", 1, "scoremodel: " + dir + "missing.mid: "},
+        {"export missing.smd out.mid", 1, "scoremodel: "},
+        {"export notadoc.smd out.mid", 1, "scoremodel: " + dir + "notadoc.smd: "},
+        {"import broken.mid", 2, "scoremodel: wrong arguments for 'import'"},
+        {"export a b c", 2, "scoremodel: wrong arguments for 'export'"},
+    };
+    for (const Case &c : cases)
+    {
+        SCOPED_TRACE(c.arguments);
+        // Every file name is taken inside the test's folder.
+        std::string arguments;
+        std::istringstream words(c.arguments);
+        for (std::string word; words >> word;)
+            arguments += (arguments.empty() ? word : " '" + dir + word + "'");
+        ToolRun run = Tool(arguments);
+        EXPECT_EQ(run.code, c.code);
+        EXPECT_EQ(run.err.rfind(c.message, 0), 0u) << run.err;
+        if (c.code == 1)
+        {
+            EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+        }
+        EXPECT_FALSE(fs::exists(m_dir / "out.smd"));
+        EXPECT_FALSE(fs::exists(m_dir / "out.mid"));
     }
 }
