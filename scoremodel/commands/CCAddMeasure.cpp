@@ -102,10 +102,8 @@ int CCAddMeasure::Process()
 {
     if (!CCBase::Process())
         return 0;
-    RunRecorded(this, m_journal, [this] {
-        DoAdd();
-        m_pConductorStaff->RebuildStaffCaches();
-    });
+    // DoAdd ends by rebuilding the staff caches.
+    RunRecorded(this, m_journal, [this] { DoAdd(); });
     return 1;
 }
 

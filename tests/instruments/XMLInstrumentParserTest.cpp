@@ -53,16 +53,6 @@ std::vector<std::string> Leftovers(const std::filesystem::path &folder)
 
 using XMLInstrumentParserTest = InstrumentFileTest;
 
-TEST(XMLInstrumentParserNames, ElementNamesByIndex)
-{
-    const char *names[] = {"instrument", "name", "description", "strings", "frets",
-                           "distance",   "sound", "tune",       "frequency"};
-    for (int i = 0; i < 9; ++i)
-        EXPECT_STREQ(XMLInstrumentParser::GetNodeName(i), names[i]);
-    EXPECT_EQ(XMLInstrumentParser::GetNodeName(9), nullptr);
-    EXPECT_EQ(XMLInstrumentParser::GetNodeName(-1), nullptr);
-}
-
 TEST_F(XMLInstrumentParserTest, WithoutAUserFileTheShippedFileIsRead)
 {
     ASSERT_EQ(Parser().ParseStartFile(), 1);
